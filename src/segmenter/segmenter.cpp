@@ -1,0 +1,7 @@
+#include "segmenter/segmenter.hpp"
+
+namespace MeCab {
+
+Tagger* createTagger() { return nullptr; }
+
+}  // namespace MeCab
