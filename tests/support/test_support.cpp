@@ -1,0 +1,57 @@
+#include "support/test_support.hpp"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace dialog_test {
+
+TempDir::TempDir() {
+  std::string pattern = (fs::temp_directory_path() / "dialog-test-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp failed");
+  path_ = pattern;
+}
+
+TempDir::~TempDir() {
+  std::error_code error;
+  fs::remove_all(path_, error);
+}
+
+std::string TempDir::write(const std::string& relative, const std::string& contents) const {
+  const fs::path target = fs::path(path_) / relative;
+  fs::create_directories(target.parent_path());
+  std::ofstream out(target, std::ios::binary);
+  out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
+  if (!out) throw std::runtime_error("cannot write " + target.string());
+  return target.string();
+}
+
+ScopedEnv::ScopedEnv(std::string name, const std::optional<std::string>& value)
+    : name_(std::move(name)) {
+  if (const char* old = std::getenv(name_.c_str())) previous_ = old;
+  if (value)
+    setenv(name_.c_str(), value->c_str(), 1);
+  else
+    unsetenv(name_.c_str());
+}
+
+ScopedEnv::~ScopedEnv() {
+  if (previous_)
+    setenv(name_.c_str(), previous_->c_str(), 1);
+  else
+    unsetenv(name_.c_str());
+}
+
+DataRoot::DataRoot()
+    : prefix_("KU_PREFIX_PATH", root_.path()),
+      xdg_("XDG_DATA_HOME", home_.path() + "/data"),
+      homeEnv_("HOME", home_.path()) {}
+
+std::string DataRoot::write(const std::string& relative, const std::string& contents) const {
+  return root_.write("share/dialog/" + relative, contents);
+}
+
+}  // namespace dialog_test
