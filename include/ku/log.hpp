@@ -12,7 +12,15 @@
 namespace ku::log {
 
 // Numeric levels; a category lets through records whose level is at most its own.
-enum Level : int { Silent = 0, Fatal = 1, Error = 2, Warning = 3, Info = 4, Verbose = 5, Debug = 6 };
+enum Level : int {
+  Silent = 0,
+  Fatal = 1,
+  Error = 2,
+  Warning = 3,
+  Info = 4,
+  Verbose = 5,
+  Debug = 6
+};
 
 // A named category. `level` is a plain int that callers may set directly.
 struct Category {

@@ -89,8 +89,8 @@ void log(int level, Category* category, const std::string& message, const char* 
   log(level, category ? category->name : std::string(), message, file, function, line);
 }
 
-void log(int level, const std::string& categoryName, const std::string& message,
-         const char* file, const char* function, int line) {
+void log(int level, const std::string& categoryName, const std::string& message, const char* file,
+         const char* function, int line) {
   dispatch(Record{level, categoryName, message, file ? file : "", function ? function : "", line});
 }
 

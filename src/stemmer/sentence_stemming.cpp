@@ -39,9 +39,8 @@ void StemmerPrivate::stem_sentence(const std::string& sentence, std::vector<std:
           QString::fromUtf8(node->feature).split(QLatin1Char(','), Qt::KeepEmptyParts);
       // Unknown words keep the "*" of their record; a record too short to hold
       // a base form gives an empty element, so elements still match morphemes.
-      stems.emplace_back(fields.size() > kBaseFormField
-                             ? fields.at(kBaseFormField).toUtf8().constData()
-                             : "");
+      stems.emplace_back(
+          fields.size() > kBaseFormField ? fields.at(kBaseFormField).toUtf8().constData() : "");
     }
   } else if (lang == 0) {
     appendTokens(sentence, charsep, stems);

@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-#include <QString>
 #include <libstemmer.h>
 #include <mecab.h>
+#include <QString>
 
 #include "stemmer/stemmer.hpp"
 
