@@ -34,14 +34,15 @@ import sys
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import lemmacommon  # noqa: E402
 
-# Earlier categories win. Function words first, then verbs (so participles
-# and ambiguous forms such as "est", "fait" go to the verb), then nouns,
-# adjectives and adverbs.
+# Earlier categories win: function words, then forms of the most frequent
+# verbs ("vFreq"), past participles ("vK": verb or adjective entries with a
+# verb lemma, so "située" -> "situer"), adjectives (so "première" ->
+# "premier"), nouns, other verb forms, adverbs.
 CATEGORY_ORDER = [
     "det", "prep", "auxEtre", "auxAvoir", "cln", "cla", "cld", "clr", "cll",
     "clg", "clneg", "cldr", "clar", "ce", "ilimp", "caimp", "prel", "pri",
     "pro", "que", "que_restr", "coo", "csu", "advneg", "pres",
-    "v", "nc", "adj", "adv",
+    "vFreq", "vK", "adj", "nc", "v", "adv",
 ]
 CATEGORY_RANK = {c: i for i, c in enumerate(CATEGORY_ORDER)}
 
@@ -81,12 +82,25 @@ FUNCTION_WORDS = {
     "as": "avoir", "a": "avoir",
 }
 
+# Capitalised words whose accent is commonly dropped.
+CAPITAL_WORDS = {"A": "à"}
+
+# The most frequent French verbs: their forms are read as verbs before
+# any noun or adjective homograph ("été", "fait", "doit", "peut").
+FREQUENT_VERBS = {
+    "être", "avoir", "faire", "dire", "pouvoir", "aller", "voir", "savoir",
+    "vouloir", "venir", "devoir", "prendre", "falloir",
+}
+
 # Categories never used: punctuation, prefixes, meta entries, proper nouns
 # (kept only to know which capitalised words are names), foreign words.
 SKIP_CATEGORIES = {
     "poncts", "ponctw", "parento", "parentf", "epsilon", "meta", "sbound",
     "adjPref", "advPref", "suffAdj", "etr", "np",
 }
+
+
+VOWELS = set("aeiouyàâäéèêëîïôöùûüÿæœ")
 
 
 def parse_args(argv):
@@ -130,6 +144,12 @@ def read_lefff(path):
             if len(cols) < 3:
                 continue
             form, cat, lemma = cols[0], cols[1], cols[2]
+            feats = cols[3] if len(cols) > 3 else ""
+            if cat in ("v", "adj") and feats.startswith("K"):
+                if lemma in FREQUENT_VERBS:
+                    cat = "vFreq"
+                else:
+                    cat = "vK"
             key = key_of(form)
             if key is None:
                 continue
@@ -140,6 +160,13 @@ def read_lefff(path):
             lemma = clean_lemma(lemma)
             if lemma is None or lemma in CATEGORY_RANK:
                 continue
+            if not any(c.isalpha() for c in key):
+                continue
+            if (cat in ("nc", "adj") and len(lemma) > len(key)
+                    and not any(c in VOWELS for c in key.lower())):
+                continue  # abbreviation: km -> kilomètre, h -> heure
+            if cat == "v" and lemma in FREQUENT_VERBS:
+                cat = "vFreq"
             candidates.setdefault(key, []).append((CATEGORY_RANK[cat], lemma))
     return candidates, attested
 
@@ -159,6 +186,11 @@ def build(lefff_path):
         lemmas[form] = FUNCTION_WORDS[form]
     lower = {f: l for f, l in lemmas.items() if f[0].islower()}
     mapping = dict((f, l) for f, l in lemmas.items())
+    for form in sorted(FUNCTION_WORDS):
+        cap = lemmacommon.upper_first(form)
+        mapping[cap] = FUNCTION_WORDS[form]
+    for form in sorted(CAPITAL_WORDS):
+        mapping[form] = CAPITAL_WORDS[form]
     lemmacommon.add_capitalised(mapping, lower, attested)
     return mapping
 
