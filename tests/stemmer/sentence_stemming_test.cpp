@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <libstemmer.h>
+#include <mecab.h>
+
+#include "stemmer/stemmer.hpp"
+#include "stemmer/stemmer_p.hpp"
+#include "support/test_support.hpp"
+
+using ZQ::Dialog::Stemmer;
+using Stems = std::vector<std::string>;
+
+namespace {
+
+constexpr char kIpadic[] = "/var/lib/mecab/dic/ipadic-utf8";
+
+class SentenceStemming : public testing::Test {
+ protected:
+  SentenceStemming() {
+    data_.write("lemmatizer/enu/lemma", "dogs\ndog\ndon\nDO\nt\nNOT\n\nEMPTY\n");
+    data_.write("lemmatizer/frf/lemma", "l\nle\nhommes\nhomme\n");
+  }
+  static Stems run(Stemmer& stemmer, const std::string& sentence, Stems stems = {}) {
+    stemmer.stem_sentence(sentence, stems);
+    return stems;
+  }
+  dialog_test::DataRoot data_;
+};
+
+TEST_F(SentenceStemming, RegexSplitCutsAtSpacesAndApostrophes) {
+  Stemmer en("enu");
+  EXPECT_EQ(run(en, "I don't like dogs"), (Stems{"I", "DO", "NOT", "like", "dog"}));
+  EXPECT_EQ(run(en, "a  b"), (Stems{"a", "EMPTY", "b"}));  // empty parts are kept
+  EXPECT_EQ(run(en, " a "), (Stems{"EMPTY", "a", "EMPTY"}));
+  EXPECT_EQ(run(en, ""), (Stems{"EMPTY"}));  // one part, the empty word
+  EXPECT_EQ(run(en, "'"), (Stems{"EMPTY", "EMPTY"}));
+  EXPECT_EQ(run(en, "dogs\tdogs,dogs"), (Stems{"dogs\tdogs,dogs"}));    // tab and comma stay
+  EXPECT_EQ(run(en, "don\xE2\x80\x99t"), (Stems{"don\xE2\x80\x99t"}));  // U+2019 does not split
+  EXPECT_EQ(run(en,
+                "dogs\xC2\xA0"
+                "dogs"),
+            (Stems{"dogs\xC2\xA0"
+                   "dogs"}));  // nor does U+00A0
+  Stemmer fr("frf");
+  EXPECT_EQ(run(fr, "l'homme hommes"), (Stems{"le", "homme", "homme"}));
+}
+
+TEST_F(SentenceStemming, RegexSplitBadInput) {
+  Stemmer en("enu");
+  EXPECT_EQ(run(en, std::string("dogs don\0t dogs", 15)), (Stems{"dog", "DO"}));  // ends at NUL
+  EXPECT_EQ(run(en, "caf\xC3 dogs"), (Stems{"caf\xEF\xBF\xBD", "dog"}));  // replaced, not dropped
+}
+
+TEST_F(SentenceStemming, AppendsToTheCallersList) {
+  Stemmer en("enu");
+  EXPECT_EQ(run(en, "dogs", {"kept"}), (Stems{"kept", "dog"}));
+  Stemmer ja("jpj");
+  EXPECT_EQ(run(ja, "x", {"kept"}), (Stems{"kept", "x"}));
+}
+
+TEST_F(SentenceStemming, WholeSentencePathForJapaneseAndUnsupported) {
+  for (const char* code : {"jpj", "xx"}) {
+    Stemmer stemmer(code);
+    EXPECT_EQ(run(stemmer, " a  don't \t"), (Stems{" a  don't \t"})) << code;
+    EXPECT_EQ(run(stemmer, std::string("a\0b", 3)), (Stems{std::string("a\0b", 3)})) << code;
+    EXPECT_EQ(run(stemmer, "\xFF\xFE"), (Stems{"\xFF\xFE"})) << code;  // bytes, never decoded
+    EXPECT_EQ(run(stemmer, ""), Stems{}) << code;
+  }
+}
+
+TEST_F(SentenceStemming, SpaceTokenPathWithoutSnowballStemmer) {
+  Stemmer en("enu");
+  en.impl->stemmer = nullptr;  // as when the Snowball stemmer could not be created
+  EXPECT_EQ(run(en, "  dogs   don't\tx  "), (Stems{"dogs", "don't\tx"}));  // no lookup
+  EXPECT_EQ(run(en, ""), Stems{});
+  EXPECT_EQ(run(en, "   "), Stems{});
+  EXPECT_EQ(run(en, std::string("a\0b c", 5)), (Stems{std::string("a\0b", 3), "c"}));
+}
+
+// The morpheme path: a Snowball stemmer with selector 0 and a real tagger.
+class MorphemePath : public testing::Test {
+ protected:
+  MorphemePath() {
+    std::string rc = std::string(kIpadic) + "/dicrc";
+    std::vector<std::string> args = {"mecab", "-r", rc, "-d", kIpadic};
+    std::vector<char*> argv;
+    for (std::string& a : args) argv.push_back(a.data());
+    tagger_ = MeCab::createTagger(static_cast<int>(argv.size()), argv.data());
+    impl_.stemmer = sb_stemmer_new("english", "UTF_8");
+    impl_.tagger = tagger_;
+  }
+  ~MorphemePath() override {
+    sb_stemmer_delete(impl_.stemmer);
+    delete tagger_;
+  }
+  Stems run(const std::string& sentence, Stems stems = {}) {
+    impl_.stem_sentence(sentence, stems);
+    return stems;
+  }
+  dialog_test::DataRoot data_;
+  ZQ::Dialog::StemmerPrivate impl_{"xx"};
+  MeCab::Tagger* tagger_ = nullptr;
+};
+
+TEST_F(MorphemePath, YieldsBaseFormsOfMorphemes) {
+  ASSERT_NE(tagger_, nullptr) << MeCab::getTaggerError();
+  EXPECT_EQ(run("猫が走った"), (Stems{"猫", "が", "走る", "た"}));
+  EXPECT_EQ(run("", {"kept"}), (Stems{"kept"}));  // only begin and end nodes
+  EXPECT_EQ(run("Zyxwvq"), (Stems{"*"}));         // unknown words keep "*"
+}
+
+TEST_F(MorphemePath, BadInputDoesNotCrash) {
+  ASSERT_NE(tagger_, nullptr) << MeCab::getTaggerError();
+  EXPECT_FALSE(run("\xFF\xFE\xE7\x8C").empty());
+  EXPECT_EQ(run(std::string("猫\0が", 7)), (Stems{"猫"}));  // ends at NUL
+}
+
+}  // namespace
