@@ -1,0 +1,265 @@
+#!/usr/bin/env python3
+"""Build the default English lemma file.
+
+Inputs:
+    apt-get install wordnet-base wamerican
+        -> /usr/share/wordnet (WordNet 3.0), /usr/share/dict/american-english
+    cp data/npm/package.json data/npm/package-lock.json BUILDDIR/
+    npm ci --prefix BUILDDIR --ignore-scripts --no-audit --no-fund
+        -> BUILDDIR/node_modules/wink-lexicon
+
+Usage:
+    python3 data/lemmas/build_english.py --wordnet /usr/share/wordnet \\
+        --words /usr/share/dict/american-english \\
+        --wink BUILDDIR/node_modules/wink-lexicon -o OUT
+
+The output is derived from WordNet 3.0 (WordNet licence) and wink-lexicon
+(MIT).
+
+How a lemma is chosen for a lower-case form:
+  1. the FUNCTION_WORDS table (auxiliaries, pronouns, contraction pieces);
+  2. otherwise the form's part-of-speech tags from wink-lexicon, most
+     frequent first: the first tag decides. An inflected tag (NNS, VBZ, VBD,
+     VBN, VBG, JJR, JJS, RBR, RBS) lemmatises with WordNet's exception lists
+     and detachment rules for that part of speech; any other tag keeps the
+     form as its own lemma (so "as", "his" are not reduced to "a", "hi");
+  3. forms wink-lexicon does not know keep themselves when they are a
+     WordNet lemma of their own, else take the first candidate of the
+     verb, noun, adjective rules in that order.
+Capitalised variants (sentence-initial words) get the lower-case lemma,
+unless the word list has the capitalised form as a word of its own
+(names such as "Bush").
+"""
+
+import argparse
+import os
+import re
+import sys
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import lemmacommon  # noqa: E402
+
+POS_FILES = (("n", "noun"), ("v", "verb"), ("a", "adj"), ("r", "adv"))
+
+# WordNet's detachment rules (suffix, replacement) per part of speech.
+DETACH = {
+    "n": [("s", ""), ("ses", "s"), ("xes", "x"), ("zes", "z"),
+          ("ches", "ch"), ("shes", "sh"), ("men", "man"), ("ies", "y")],
+    "v": [("s", ""), ("ies", "y"), ("es", "e"), ("es", ""), ("ed", "e"),
+          ("ed", ""), ("ing", "e"), ("ing", "")],
+    "a": [("er", ""), ("est", ""), ("er", "e"), ("est", "e")],
+    "r": [],
+}
+
+# Penn tags that mark an inflected form, with the WordNet parts of speech
+# to lemmatise it with (first that gives a lemma wins).
+INFLECTED_TAGS = {
+    "NNS": ("n",), "NNPS": ("n",),
+    "VBZ": ("v",), "VBD": ("v",), "VBN": ("v",), "VBG": ("v",),
+    "JJR": ("a",), "JJS": ("a",),
+    "RBR": ("a", "r"), "RBS": ("a", "r"),
+}
+
+# Closed-class words and contraction pieces. The library cuts words at
+# apostrophes, so "don't" arrives as "don" + "t", "I'm" as "I" + "m".
+FUNCTION_WORDS = {
+    "am": "be", "are": "be", "is": "be", "was": "be", "were": "be",
+    "been": "be", "being": "be", "s": "be", "m": "be", "re": "be",
+    "isn": "be", "aren": "be", "wasn": "be", "weren": "be", "ain": "be",
+    "ai": "be",
+    "has": "have", "had": "have", "having": "have", "ve": "have",
+    "hasn": "have", "haven": "have", "hadn": "have",
+    "does": "do", "did": "do", "done": "do", "doing": "do",
+    "don": "do", "doesn": "do", "didn": "do",
+    "ll": "will", "wo": "will", "d": "would", "ca": "can", "t": "not",
+    "couldn": "could", "wouldn": "would", "shouldn": "should",
+    "mustn": "must", "needn": "need", "mightn": "might",
+    "i": "I", "me": "I", "him": "he", "us": "we", "them": "they",
+    "u": "you",
+    "an": "a", "these": "this", "those": "that",
+}
+
+
+def parse_args(argv):
+    p = argparse.ArgumentParser(
+        description="Build the English lemma file from WordNet 3.0, a word "
+                    "list and wink-lexicon.")
+    p.add_argument("--wordnet", required=True,
+                   help="WordNet dict directory (index.noun, verb.exc, ...)")
+    p.add_argument("--words", required=True,
+                   help="word list, one word a line (wamerican)")
+    p.add_argument("--wink", required=True,
+                   help="wink-lexicon package directory")
+    p.add_argument("-o", "--output", required=True, help="output file")
+    return p.parse_args(argv)
+
+
+def plain_word(s):
+    return (lemmacommon.valid_entry(s) and "'" not in s
+            and not s.startswith("-") and not s.endswith("-"))
+
+
+def read_wordnet(wn_dir):
+    """Returns ({pos: set of lemmas}, {pos: {form: [bases]}})."""
+    index = {}
+    exc = {}
+    for pos, name in POS_FILES:
+        path = lemmacommon.require_file(os.path.join(wn_dir, "index." + name),
+                                        "WordNet index")
+        lemmas = set()
+        with open(path, "r", encoding="utf-8", errors="replace") as f:
+            for line in f:
+                if line.startswith(" "):
+                    continue
+                word = line.split(" ", 1)[0]
+                if plain_word(word):
+                    lemmas.add(word)
+        index[pos] = lemmas
+        path = lemmacommon.require_file(os.path.join(wn_dir, name + ".exc"),
+                                        "WordNet exception list")
+        table = {}
+        with open(path, "r", encoding="utf-8", errors="replace") as f:
+            for line in f:
+                parts = line.split()
+                if len(parts) < 2 or not plain_word(parts[0]):
+                    continue
+                bases = [b for b in parts[1:] if plain_word(b)]
+                if bases:
+                    table.setdefault(parts[0], []).extend(bases)
+        exc[pos] = table
+    return index, exc
+
+
+_WINK_VAR = re.compile(r"^var (A_[A-Za-z0-9_$]+) = \[([^\]]*)\];")
+_WINK_TAG = re.compile(r"^var ([A-Z$]+) = '([A-Z$]+)';")
+_WINK_ENTRY = re.compile(
+    r"^lexicon(?:\.([^\s=\[]+)|\[\s*'((?:[^'\\]|\\.)*)'\s*\])\s*=\s*"
+    r"(A_[A-Za-z0-9_$]+);")
+
+
+def read_wink(wink_dir):
+    """Returns {form: [Penn tags, most frequent first]}."""
+    path = lemmacommon.require_file(
+        os.path.join(wink_dir, "src", "lexicon.js"), "wink-lexicon lexicon")
+    tags = {}
+    lists = {}
+    lexicon = {}
+    with open(path, "r", encoding="utf-8") as f:
+        for line in f:
+            m = _WINK_TAG.match(line)
+            if m:
+                tags[m.group(1)] = m.group(2)
+                continue
+            m = _WINK_VAR.match(line)
+            if m:
+                names = [t.strip() for t in m.group(2).split(",") if t.strip()]
+                lists[m.group(1)] = [tags.get(t, t) for t in names]
+                continue
+            m = _WINK_ENTRY.match(line)
+            if m:
+                word = m.group(1) or m.group(2).replace("\\'", "'")
+                if m.group(3) in lists:
+                    lexicon[word] = lists[m.group(3)]
+    if len(lexicon) < 1000:
+        lemmacommon.fail("could not read wink-lexicon entries from %s" % path)
+    return lexicon
+
+
+def read_words(path):
+    words = set()
+    with open(path, "r", encoding="utf-8", errors="replace") as f:
+        for line in f:
+            w = line.rstrip("\n")
+            if plain_word(w):
+                words.add(w)
+    return words
+
+
+class Morphy:
+    def __init__(self, index, exc):
+        self.index = index
+        self.exc = exc
+
+    def bases(self, form, pos):
+        """Base forms of form for pos other than form itself, in WordNet's
+        order: exception list first, then detachment rules."""
+        out = []
+        for b in self.exc[pos].get(form, []):
+            if b != form and b not in out:
+                out.append(b)
+        for suffix, repl in DETACH[pos]:
+            if form.endswith(suffix) and len(form) > len(suffix):
+                b = form[:len(form) - len(suffix)] + repl
+                if b != form and b in self.index[pos] and b not in out:
+                    out.append(b)
+        return out
+
+    def is_lemma(self, form):
+        return any(form in self.index[pos] for pos, _ in POS_FILES)
+
+
+def lemma_of(form, morphy, wink):
+    if form in FUNCTION_WORDS:
+        return FUNCTION_WORDS[form]
+    tags = wink.get(form)
+    if tags:
+        for tag in tags:
+            poses = INFLECTED_TAGS.get(tag)
+            if poses is None:
+                return form
+            for pos in poses:
+                bases = morphy.bases(form, pos)
+                if bases:
+                    return bases[0]
+        return form
+    if morphy.is_lemma(form):
+        return form
+    for pos in ("v", "n", "a"):
+        bases = morphy.bases(form, pos)
+        if bases:
+            return bases[0]
+    return form
+
+
+def build(wn_dir, words_path, wink_dir):
+    index, exc = read_wordnet(wn_dir)
+    wink = read_wink(wink_dir)
+    words = read_words(words_path)
+    morphy = Morphy(index, exc)
+
+    vocab = set()
+    for w in words:
+        if w.islower():
+            vocab.add(w)
+    for w in wink:
+        if plain_word(w) and w.islower():
+            vocab.add(w)
+    for pos, _ in POS_FILES:
+        vocab.update(w for w in index[pos] if w.islower())
+        vocab.update(w for w in exc[pos] if w.islower())
+    vocab.update(FUNCTION_WORDS)
+
+    lower = {}
+    for form in sorted(vocab):
+        lemma = lemma_of(form, morphy, wink)
+        if plain_word(lemma):
+            lower[form] = lemma
+    mapping = dict(lower)
+    attested = {w for w in words if w[0].isupper()}
+    lemmacommon.add_capitalised(mapping, lower, attested)
+    return mapping
+
+
+def main(argv):
+    args = parse_args(argv)
+    lemmacommon.require_dir(args.wordnet, "WordNet directory")
+    lemmacommon.require_file(args.words, "word list")
+    lemmacommon.require_dir(args.wink, "wink-lexicon directory")
+    mapping = build(args.wordnet, args.words, args.wink)
+    n = lemmacommon.write_pairs(args.output, mapping)
+    sys.stderr.write("wrote %d pairs to %s\n" % (n, args.output))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
