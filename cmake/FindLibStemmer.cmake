@@ -9,13 +9,21 @@ find_path(LibStemmer_INCLUDE_DIR NAMES libstemmer.h PATH_SUFFIXES libstemmer)
 find_library(LibStemmer_LIBRARY NAMES stemmer)
 
 if(LibStemmer_INCLUDE_DIR AND LibStemmer_LIBRARY AND NOT DEFINED LibStemmer_HAS_TWO_ARG_NEW)
-  include(CheckCSourceCompiles)
   include(CMakePushCheckState)
   cmake_push_check_state(RESET)
   set(CMAKE_REQUIRED_INCLUDES "${LibStemmer_INCLUDE_DIR}")
   set(CMAKE_REQUIRED_LIBRARIES "${LibStemmer_LIBRARY}")
   set(CMAKE_REQUIRED_QUIET ON)
-  check_c_source_compiles([[
+  # Checked in whichever language the calling project has enabled.
+  get_property(_stemmer_languages GLOBAL PROPERTY ENABLED_LANGUAGES)
+  if("CXX" IN_LIST _stemmer_languages)
+    include(CheckCXXSourceCompiles)
+    set(_stemmer_check check_cxx_source_compiles)
+  else()
+    include(CheckCSourceCompiles)
+    set(_stemmer_check check_c_source_compiles)
+  endif()
+  cmake_language(CALL ${_stemmer_check} [[
     #include <libstemmer.h>
     int main(void) {
       struct sb_stemmer* s = sb_stemmer_new("english", "UTF_8");

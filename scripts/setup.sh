@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Installs everything the project needs to build, test and build its data, from
+# Debian's packages. Run as root (or with sudo available).
+set -euo pipefail
+
+packages=(
+  build-essential cmake pkg-config git
+  qtbase5-dev libboost-dev libstemmer-dev
+  libmecab-dev mecab-utils mecab-ipadic-utf8
+  libgtest-dev libgmock-dev libbenchmark-dev
+  clang clang-format clang-tidy libclang-rt-14-dev
+  python3 wordnet-base wamerican
+)
+# The lemma data's npm inputs need npm; keep a Node.js that is already there.
+command -v npm >/dev/null 2>&1 || packages+=(nodejs npm)
+
+if [ "$(id -u)" -ne 0 ]; then
+  if command -v sudo >/dev/null 2>&1; then
+    exec sudo "$0" "$@"
+  fi
+  echo "setup.sh: must run as root to install packages (sudo is not available)" >&2
+  exit 1
+fi
+
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -qq
+apt-get install -y -qq --no-install-recommends "${packages[@]}" >/dev/null
+echo "setup.sh: dependencies installed"
