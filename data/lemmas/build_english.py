@@ -76,7 +76,19 @@ FUNCTION_WORDS = {
     "mustn": "must", "needn": "need", "mightn": "might",
     "i": "I", "me": "I", "him": "he", "us": "we", "them": "they",
     "u": "you",
+    "thanks": "thanks", "regards": "regards", "others": "other",
     "an": "a", "these": "this", "those": "that",
+}
+
+
+NOUN_TAGS = {"NN", "NNS", "NNP", "NNPS"}
+
+# Capitalised words that are names even though the lower-case word is common.
+NAMES = {
+    "January", "February", "March", "April", "May", "June", "July",
+    "August", "September", "October", "November", "December",
+    "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday",
+    "Sunday",
 }
 
 
@@ -100,9 +112,12 @@ def plain_word(s):
 
 
 def read_wordnet(wn_dir):
-    """Returns ({pos: set of lemmas}, {pos: {form: [bases]}})."""
+    """Returns ({pos: set of lemmas}, {pos: {form: [bases]}},
+    {lemma: number of sense-tagged corpus occurrences, all parts of
+    speech})."""
     index = {}
     exc = {}
+    counts = {}
     for pos, name in POS_FILES:
         path = lemmacommon.require_file(os.path.join(wn_dir, "index." + name),
                                         "WordNet index")
@@ -111,9 +126,18 @@ def read_wordnet(wn_dir):
             for line in f:
                 if line.startswith(" "):
                     continue
-                word = line.split(" ", 1)[0]
-                if plain_word(word):
-                    lemmas.add(word)
+                fields = line.split()
+                word = fields[0]
+                if not plain_word(word):
+                    continue
+                lemmas.add(word)
+                try:
+                    n_ptr = int(fields[3])
+                    tagged = int(fields[5 + n_ptr])
+                except (IndexError, ValueError):
+                    lemmacommon.fail("malformed WordNet index line in %s"
+                                     % path)
+                counts[word] = counts.get(word, 0) + tagged
         index[pos] = lemmas
         path = lemmacommon.require_file(os.path.join(wn_dir, name + ".exc"),
                                         "WordNet exception list")
@@ -127,7 +151,7 @@ def read_wordnet(wn_dir):
                 if bases:
                     table.setdefault(parts[0], []).extend(bases)
         exc[pos] = table
-    return index, exc
+    return index, exc, counts
 
 
 _WINK_VAR = re.compile(r"^var (A_[A-Za-z0-9_$]+) = \[([^\]]*)\];")
@@ -176,9 +200,10 @@ def read_words(path):
 
 
 class Morphy:
-    def __init__(self, index, exc):
+    def __init__(self, index, exc, counts):
         self.index = index
         self.exc = exc
+        self.counts = counts
 
     def bases(self, form, pos):
         """Base forms of form for pos other than form itself, in WordNet's
@@ -212,20 +237,31 @@ def lemma_of(form, morphy, wink):
                 if bases:
                     return bases[0]
         return form
+    # Not in wink-lexicon: the form itself when it is a WordNet lemma,
+    # else the verb, noun or adjective base; a base whose senses are seen
+    # more often in WordNet's tagged corpus than the form's beats it
+    # ("troops" -> "troop"). Ties keep the earlier candidate.
+    cands = []
     if morphy.is_lemma(form):
-        return form
+        cands.append(form)
     for pos in ("v", "n", "a"):
-        bases = morphy.bases(form, pos)
-        if bases:
-            return bases[0]
-    return form
+        for b in morphy.bases(form, pos):
+            if b not in cands:
+                cands.append(b)
+    if not cands:
+        return form
+    best = cands[0]
+    for c in cands[1:]:
+        if morphy.counts.get(c, 0) > morphy.counts.get(best, 0):
+            best = c
+    return best
 
 
 def build(wn_dir, words_path, wink_dir):
-    index, exc = read_wordnet(wn_dir)
+    index, exc, counts = read_wordnet(wn_dir)
     wink = read_wink(wink_dir)
     words = read_words(words_path)
-    morphy = Morphy(index, exc)
+    morphy = Morphy(index, exc, counts)
 
     vocab = set()
     for w in words:
@@ -246,7 +282,19 @@ def build(wn_dir, words_path, wink_dir):
             lower[form] = lemma
     mapping = dict(lower)
     attested = {w for w in words if w[0].isupper()}
-    lemmacommon.add_capitalised(mapping, lower, attested)
+    # A capitalised word of the word list that is also a common word whose
+    # most frequent reading is not a noun ("It", "In", "Good") is far more
+    # often that word at the start of a sentence than a name.
+    for form in sorted(lower):
+        tags = wink.get(form)
+        cap = lemmacommon.upper_first(form)
+        if (cap in attested and tags and tags[0] not in NOUN_TAGS
+                and lower[form] == form and cap not in NAMES):
+            mapping[cap] = form
+    # Only words of the word list or wink-lexicon get a capitalised
+    # variant: WordNet also lists names in lower case ("hamas").
+    common = {f: l for f, l in lower.items() if f in words or f in wink}
+    lemmacommon.add_capitalised(mapping, common, attested)
     return mapping
 
 
