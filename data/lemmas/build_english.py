@@ -282,6 +282,7 @@ def build(wn_dir, words_path, wink_dir):
             lower[form] = lemma
     mapping = dict(lower)
     attested = {w for w in words if w[0].isupper()}
+    attested.update(w.upper() for w in NAMES)
     # A capitalised word of the word list that is also a common word whose
     # most frequent reading is not a noun ("It", "In", "Good") is far more
     # often that word at the start of a sentence than a name.
@@ -289,8 +290,17 @@ def build(wn_dir, words_path, wink_dir):
         tags = wink.get(form)
         cap = lemmacommon.upper_first(form)
         if (cap in attested and tags and tags[0] not in NOUN_TAGS
-                and lower[form] == form and cap not in NAMES):
-            mapping[cap] = form
+                and (lower[form] == form or not tags[0].startswith("VB"))
+                and cap not in NAMES):
+            mapping[cap] = lower[form]
+    # Words written in capitals ("FREE", "THE"): common words only.
+    for form in sorted(lower):
+        tags = wink.get(form)
+        upper = form.upper()
+        if (tags and tags[0] not in NOUN_TAGS and len(form) > 1
+                and upper != form and upper not in attested
+                and len(upper) == len(form)):
+            mapping[upper] = lower[form]
     # Only words of the word list or wink-lexicon get a capitalised
     # variant: WordNet also lists names in lower case ("hamas").
     common = {f: l for f, l in lower.items() if f in words or f in wink}
