@@ -185,6 +185,13 @@ def build(lefff_path):
     for form in sorted(FUNCTION_WORDS):
         lemmas[form] = FUNCTION_WORDS[form]
     lower = {f: l for f, l in lemmas.items() if f[0].islower()}
+    # A capitalised closed-class word ("Vers", "Aucun") is that word at the
+    # start of a sentence even when the Lefff also lists it as a name.
+    closed_rank = CATEGORY_RANK["vFreq"]
+    for form in sorted(lower):
+        if any(r < closed_rank or r == CATEGORY_RANK["adv"]
+               for r, _ in candidates.get(form, ())):
+            attested.discard(lemmacommon.upper_first(form))
     mapping = dict((f, l) for f, l in lemmas.items())
     for form in sorted(FUNCTION_WORDS):
         cap = lemmacommon.upper_first(form)
