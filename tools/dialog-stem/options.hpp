@@ -1,0 +1,21 @@
+#ifndef DIALOG_STEM_OPTIONS_HPP
+#define DIALOG_STEM_OPTIONS_HPP
+
+#include <string>
+#include <vector>
+
+#include <QStringList>
+
+// What the command line asks for.
+struct Options {
+  std::string language = "enu";
+  bool words = false;
+  std::string streamAlgorithm;  // non-empty: --stream mode
+  std::vector<std::string> inputs;
+};
+
+// Parses `arguments` (the program name first). On --help or --version prints
+// the text and exits 0; on bad usage prints a one-line error and exits 2.
+Options parseOptions(const QStringList& arguments);
+
+#endif  // DIALOG_STEM_OPTIONS_HPP

@@ -1,0 +1,48 @@
+#include "stream_mode.hpp"
+
+#include <cstdio>
+#include <string>
+
+#include <libstemmer.h>
+
+#include "stemmer/stemmer.hpp"
+
+namespace {
+
+// Bytes of whole lines handed to the library at a time, so that memory stays
+// bounded whatever the input's size. Stems carry no separator, so stemming
+// the input in blocks of whole lines prints exactly what one call would.
+constexpr size_t kBlockBytes = 1 << 16;
+
+void stemBlock(sb_stemmer* stemmer, std::string& block) {
+  if (block.empty()) return;
+  FILE* in = fmemopen(block.data(), block.size(), "r");
+  if (!in) return;
+  QString out;
+  ZQ::Dialog::stem_stream(stemmer, in, out);
+  std::fclose(in);
+  const QByteArray bytes = out.toUtf8();
+  std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+  block.clear();
+}
+
+}  // namespace
+
+int runStreamMode(const std::string& algorithm) {
+  sb_stemmer* stemmer = sb_stemmer_new(algorithm.c_str(), "UTF_8");
+  if (!stemmer) {
+    std::fprintf(stderr, "dialog-stem: unknown Snowball algorithm '%s' (see --help)\n",
+                 algorithm.c_str());
+    return 2;
+  }
+  std::string block;
+  int c;
+  while ((c = std::getchar()) != EOF) {
+    block.push_back(static_cast<char>(c));
+    if (c == '\n' && block.size() >= kBlockBytes) stemBlock(stemmer, block);
+  }
+  stemBlock(stemmer, block);
+  std::putchar('\n');
+  sb_stemmer_delete(stemmer);
+  return 0;
+}
