@@ -26,9 +26,12 @@ How a lemma is chosen for a lower-case form:
   3. forms wink-lexicon does not know keep themselves when they are a
      WordNet lemma of their own, else take the first candidate of the
      verb, noun, adjective rules in that order.
-Capitalised variants (sentence-initial words) get the lower-case lemma,
-unless the word list has the capitalised form as a word of its own
-(names such as "Bush").
+Capitalised variants (sentence-initial words) of words in the word list
+or wink-lexicon get the lower-case lemma, unless the word list has the
+capitalised form as a word of its own (names such as "Bush"); that
+exception is itself overridden for common words whose most frequent
+reading is not a noun ("It", "In", "Best"). Common non-noun words also get
+an all-capitals variant ("THE", "FREE").
 """
 
 import argparse
