@@ -135,9 +135,11 @@ def clean_lemma(lemma):
 
 
 def read_lefff(path):
-    """Returns ({key: [(rank, lemma)]}, set of capitalised words)."""
+    """Returns ({key: [(rank, lemma)]}, set of capitalised words, set of
+    lemmas that are citation forms)."""
     candidates = {}
     attested = set()
+    citation = set()
     with open(path, "r", encoding="utf-8") as f:
         for line in f:
             cols = line.rstrip("\n").split("\t")
@@ -145,6 +147,11 @@ def read_lefff(path):
                 continue
             form, cat, lemma = cols[0], cols[1], cols[2]
             feats = cols[3] if len(cols) > 3 else ""
+            # A lemma listed as a form of its own in a non-plural reading is
+            # a true citation form ("cheval"); "chevaux" is listed as its own
+            # lemma only in the plural.
+            if form == lemma and not feats.endswith("p"):
+                citation.add(lemma)
             if cat in ("v", "adj") and feats.startswith("K"):
                 if lemma in FREQUENT_VERBS:
                     cat = "vFreq"
@@ -168,20 +175,20 @@ def read_lefff(path):
             if cat == "v" and lemma in FREQUENT_VERBS:
                 cat = "vFreq"
             candidates.setdefault(key, []).append((CATEGORY_RANK[cat], lemma))
-    return candidates, attested
+    return candidates, attested, citation
 
 
-def choose(form, cands):
-    best = min(cands, key=lambda c: (c[0], c[1] != form,
+def choose(form, cands, citation):
+    best = min(cands, key=lambda c: (c[0], c[1] not in citation, c[1] != form,
                                      lemmacommon.utf16_key(c[1])))
     return best[1]
 
 
 def build(lefff_path):
-    candidates, attested = read_lefff(lefff_path)
+    candidates, attested, citation = read_lefff(lefff_path)
     lemmas = {}
     for form in sorted(candidates, key=lemmacommon.utf16_key):
-        lemmas[form] = choose(form, candidates[form])
+        lemmas[form] = choose(form, candidates[form], citation)
     for form in sorted(FUNCTION_WORDS):
         lemmas[form] = FUNCTION_WORDS[form]
     lower = {f: l for f, l in lemmas.items() if f[0].islower()}
