@@ -1,0 +1,214 @@
+#include "segmenter_support.hpp"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+
+#include "support/test_support.hpp"
+
+extern char** environ;
+
+namespace segmenter_test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string readStream(std::FILE* file) {
+  std::string text;
+  std::rewind(file);
+  char buffer[4096];
+  std::size_t got = 0;
+  while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, got);
+  return text;
+}
+
+const char kDicrc[] =
+    "; resource file of the test dictionary\n"
+    "cost-factor = 800\n"
+    "bos-feature = BOS/EOS,*,*,*,*,*,*,*,*\n"
+    "config-charset = UTF-8\n";
+// One context id, so one cell of connection cost.
+const char kMatrix[] = "1 1\n0 0 0\n";
+const char kCharDef[] =
+    "DEFAULT 0 1 0\n"
+    "SPACE 0 1 0\n"
+    "KANJI 0 0 2\n"
+    "HIRAGANA 1 1 0\n"
+    "0x0020 SPACE\n"
+    "0x4E00..0x9FFF KANJI\n"
+    "0x3041..0x309F HIRAGANA\n";
+const char kUnkDef[] =
+    "DEFAULT,0,0,1000,名詞,一般,*,*,*,*,*\n"
+    "SPACE,0,0,1000,記号,空白,*,*,*,*,*\n"
+    "KANJI,0,0,1000,名詞,一般,*,*,*,*,*\n"
+    "HIRAGANA,0,0,1000,名詞,一般,*,*,*,*,*\n";
+const char kWords[] =
+    "猫,0,0,100,名詞,一般,*,*,*,*,猫,ネコ,ネコ\n"
+    "が,0,0,100,助詞,格助詞,一般,*,*,*,が,ガ,ガ\n"
+    "走っ,0,0,100,動詞,自立,*,*,五段・ラ行,連用タ接続,走る,ハシッ,ハシッ\n"
+    "た,0,0,100,助動詞,*,*,*,特殊・タ,基本形,た,タ,タ\n";
+const char kUserWords[] = "犬,0,0,100,名詞,一般,*,*,*,*,犬,イヌ,イヌ\n";
+
+// Runs mecab-dict-index with `arguments` in `dir`, its chatter kept in a log.
+void runIndexer(const std::vector<std::string>& arguments, const std::string& dir) {
+  std::vector<std::string> words{DIALOG_MECAB_DICT_INDEX};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  const std::string log = dir + "/indexer.log";
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+  posix_spawn_file_actions_adddup2(&actions, 1, 2);
+  // The indexer finds its inputs relative to the working directory.
+  const std::string here = fs::current_path().string();
+  fs::current_path(dir);
+  pid_t pid = 0;
+  const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+  fs::current_path(here);
+  posix_spawn_file_actions_destroy(&actions);
+  int status = 0;
+  if (spawned != 0 || waitpid(pid, &status, 0) != pid || !WIFEXITED(status) ||
+      WEXITSTATUS(status) != 0) {
+    throw std::runtime_error("mecab-dict-index failed; see " + log + ":\n" + readFile(log));
+  }
+}
+
+// The dictionaries, compiled once per test program.
+class Compiled {
+ public:
+  Compiled() {
+    const std::string source = root_.write("source/dicrc", kDicrc);
+    const std::string sourceDir = fs::path(source).parent_path().string();
+    root_.write("source/matrix.def", kMatrix);
+    root_.write("source/char.def", kCharDef);
+    root_.write("source/unk.def", kUnkDef);
+    root_.write("source/words.csv", kWords);
+    root_.write("source/user.csv", kUserWords);
+    system_ = root_.path() + "/system";
+    fs::create_directories(system_);
+    runIndexer({"-d", ".", "-o", system_, "-f", "UTF-8", "-t", "UTF-8"}, sourceDir);
+    writeFile(system_ + "/dicrc", kDicrc);
+    user_ = root_.path() + "/user.dic";
+    runIndexer({"-d", ".", "-u", user_, "-f", "UTF-8", "-t", "UTF-8", "user.csv"}, sourceDir);
+  }
+  const std::string& system() const { return system_; }
+  const std::string& user() const { return user_; }
+
+ private:
+  dialog_test::TempDir root_;
+  std::string system_;
+  std::string user_;
+};
+
+const Compiled& compiled() {
+  static const Compiled dictionaries;
+  return dictionaries;
+}
+
+}  // namespace
+
+CapturedOutput::CapturedOutput() {
+  std::fflush(stdout);
+  std::fflush(stderr);
+  std::cout.flush();
+  outFile_ = std::tmpfile();
+  errFile_ = std::tmpfile();
+  savedOut_ = dup(1);
+  savedErr_ = dup(2);
+  dup2(fileno(outFile_), 1);
+  dup2(fileno(errFile_), 2);
+}
+
+CapturedOutput::~CapturedOutput() {
+  finish();
+  if (outFile_ != nullptr) std::fclose(outFile_);
+  if (errFile_ != nullptr) std::fclose(errFile_);
+}
+
+void CapturedOutput::finish() {
+  if (savedOut_ < 0) return;
+  std::fflush(stdout);
+  std::fflush(stderr);
+  std::cout.flush();
+  std::cerr.flush();
+  dup2(savedOut_, 1);
+  dup2(savedErr_, 2);
+  close(savedOut_);
+  close(savedErr_);
+  savedOut_ = savedErr_ = -1;
+  out_ = readStream(outFile_);
+  err_ = readStream(errFile_);
+}
+
+WorkingDirectory::WorkingDirectory(const std::string& dir)
+    : previous_(fs::current_path().string()) {
+  fs::current_path(dir);
+}
+
+WorkingDirectory::~WorkingDirectory() { fs::current_path(previous_); }
+
+bool canBuildDictionaries() { return std::string(DIALOG_MECAB_DICT_INDEX) != ""; }
+
+void installDictionary(const std::string& dir) {
+  fs::create_directories(dir);
+  for (const char* name : {"dicrc", "unk.dic", "char.bin", "sys.dic", "matrix.bin"}) {
+    fs::copy_file(compiled().system() + "/" + name, dir + "/" + name,
+                  fs::copy_options::overwrite_existing);
+  }
+}
+
+void installUserDictionary(const std::string& path) {
+  fs::copy_file(compiled().user(), path, fs::copy_options::overwrite_existing);
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+void writeFile(const std::string& path, const std::string& contents) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << contents;
+}
+
+void patchField(const std::string& path, std::size_t offset, unsigned value) {
+  std::string bytes = readFile(path);
+  for (int i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<char>((value >> (8 * i)) & 0xff);
+  writeFile(path, bytes);
+}
+
+std::string mecabError(const std::string& rcfile, const std::string& dicdir) {
+  std::string program = "test", rc = "--rcfile=" + rcfile, dic = "--dicdir=" + dicdir;
+  char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
+  MeCab::Model* model = MeCab::createModel(3, argv);
+  MeCab::deleteModel(model);
+  return MeCab::getLastError();
+}
+
+std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) {
+  std::vector<std::string> forms;
+  for (const MeCab::Node* node = tagger.parseToNode(sentence); node != nullptr; node = node->next) {
+    if (node->stat == MECAB_BOS_NODE || node->stat == MECAB_EOS_NODE) continue;
+    std::vector<std::string> fields;
+    std::stringstream feature(node->feature);
+    for (std::string field; std::getline(feature, field, ',');) fields.push_back(field);
+    forms.push_back(fields.size() > 6 ? fields[6] : std::string());
+  }
+  return forms;
+}
+
+}  // namespace segmenter_test
