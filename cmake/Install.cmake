@@ -33,3 +33,4 @@ install(FILES
 configure_file(cmake/dialog-stemmer.pc.in "${PROJECT_BINARY_DIR}/dialog-stemmer.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/dialog-stemmer.pc"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+include(cmake/InstallDictionary.cmake)
