@@ -152,6 +152,7 @@ def read_lefff(path):
             # lemma only in the plural.
             if form == lemma and not feats.endswith("p"):
                 citation.add(lemma)
+            adjective_participle = cat == "adj" and feats.startswith("K")
             if cat in ("v", "adj") and feats.startswith("K"):
                 if lemma in FREQUENT_VERBS:
                     cat = "vFreq"
@@ -174,11 +175,19 @@ def read_lefff(path):
                 continue  # abbreviation: km -> kilomètre, h -> heure
             if cat == "v" and lemma in FREQUENT_VERBS:
                 cat = "vFreq"
-            candidates.setdefault(key, []).append((CATEGORY_RANK[cat], lemma))
+            candidates.setdefault(key, []).append(
+                (CATEGORY_RANK[cat], lemma, adjective_participle))
     return candidates, attested, citation
 
 
 def choose(form, cands, citation):
+    ranks = {c[0] for c in cands}
+    if (CATEGORY_RANK["vK"] in ranks and CATEGORY_RANK["nc"] in ranks
+            and not any(c[2] for c in cands)):
+        # A participle the Lefff does not list as an adjective is rarely
+        # used as one; a noun homograph is the likelier reading
+        # ("partie", "parti", "points").
+        cands = [c for c in cands if c[0] != CATEGORY_RANK["vK"]]
     best = min(cands, key=lambda c: (c[0], c[1] not in citation, c[1] != form,
                                      lemmacommon.utf16_key(c[1])))
     return best[1]
@@ -196,8 +205,8 @@ def build(lefff_path):
     # start of a sentence even when the Lefff also lists it as a name.
     closed_rank = CATEGORY_RANK["vFreq"]
     for form in sorted(lower):
-        if any(r < closed_rank or r == CATEGORY_RANK["adv"]
-               for r, _ in candidates.get(form, ())):
+        if any(c[0] < closed_rank or c[0] == CATEGORY_RANK["adv"]
+               for c in candidates.get(form, ())):
             attested.discard(lemmacommon.upper_first(form))
     mapping = dict((f, l) for f, l in lemmas.items())
     for form in sorted(FUNCTION_WORDS):
