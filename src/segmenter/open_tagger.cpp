@@ -33,7 +33,8 @@ class Arguments {
 const char kProgramName[] = "dialog-stemmer";
 
 // A failed tagger creation reports nothing: MeCab overwrites the model's error
-// with the tagger's empty one. Opening the model alone keeps the cause.
+// with the tagger's empty one. Opening the model alone keeps the cause. (MeCab
+// 0.996 itself loses the object of a system or user dictionary it rejects.)
 std::string modelError(Arguments& arguments) {
   MeCab::Model* model = MeCab::createModel(arguments.count(), arguments.values());
   std::string error = MeCab::getLastError();
