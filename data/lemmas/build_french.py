@@ -140,6 +140,7 @@ def read_lefff(path):
     candidates = {}
     attested = set()
     citation = set()
+    feminine = {}  # noun lemma -> its feminine singular forms
     with open(path, "r", encoding="utf-8") as f:
         for line in f:
             cols = line.rstrip("\n").split("\t")
@@ -175,8 +176,25 @@ def read_lefff(path):
                 continue  # abbreviation: km -> kilomètre, h -> heure
             if cat == "v" and lemma in FREQUENT_VERBS:
                 cat = "vFreq"
+            if cat == "nc" and feats == "fs":
+                feminine.setdefault(lemma, set()).add(key)
+            gender = None
+            if cat == "nc" and feats in ("fs", "fp") and key[0].islower():
+                gender = feats
             candidates.setdefault(key, []).append(
-                (CATEGORY_RANK[cat], lemma, adjective_participle))
+                [CATEGORY_RANK[cat], lemma, adjective_participle, gender])
+    # A feminine noun is its own lemma ("présidente", "amies" -> "amie"),
+    # not the masculine noun the Lefff gives.
+    for key, cands in candidates.items():
+        for cand in cands:
+            if cand[3] == "fs":
+                cand[1] = key
+            elif cand[3] == "fp":
+                singular = feminine.get(cand[1], ())
+                for stem in (key[:-1], key):
+                    if stem in singular:
+                        cand[1] = stem
+                        break
     return candidates, attested, citation
 
 
