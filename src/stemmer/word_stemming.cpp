@@ -5,17 +5,32 @@
 namespace ZQ::Dialog {
 namespace {
 
+// True when a UTF-8 round trip gives `text` back unchanged: it holds no U+0000
+// (which would cut it) and no surrogate (a lone one would be replaced).
+bool survivesRoundTrip(const QString& text) {
+  for (const QChar c : text) {
+    const ushort unit = c.unicode();
+    if (unit == 0 || (unit >= 0xD800 && unit <= 0xDFFF)) return false;
+  }
+  return true;
+}
+
 // The dictionary key of a word: its text up to the first U+0000, after a UTF-8
-// round trip.
-QString lookupKey(const QString& word) { return QString::fromUtf8(word.toUtf8().constData()); }
+// round trip. Words that come through unchanged skip the two conversions.
+QString lookupKey(const QString& word) {
+  if (survivesRoundTrip(word)) return word;
+  return QString::fromUtf8(word.toUtf8().constData());
+}
 
 }  // namespace
 
 void StemmerPrivate::stemmword(QString& word, QString& result) {
   // Presence is tested before the language; the fetch is checked and so can
-  // only fail if the map changed in between, which it never does.
-  if (lemDic.find(lookupKey(word)) != lemDic.end() && lang != 0) {
-    const QString lemma = lemDic.at(lookupKey(word));
+  // only fail if the map changed in between, which it never does. The key is
+  // built once: building it again from the same word gives the same key.
+  const QString key = lookupKey(word);
+  if (lemDic.find(key) != lemDic.end() && lang != 0) {
+    const QString lemma = lemDic.at(key);
     word = lemma;
   }
   result = word;
