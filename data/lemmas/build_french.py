@@ -80,7 +80,25 @@ FUNCTION_WORDS = {
     # auxiliaries with a second reading in the Lefff
     "suis": "être", "fut": "être", "été": "être", "est": "être",
     "as": "avoir", "a": "avoir",
+    # adverb found in the Lefff only inside "quant à"
+    "quant": "quant",
 }
+
+# Clitics after a verb and its hyphen, which a tokenizer may cut off the
+# verb ("dit -il", "a -t-elle", "donne -le"); lemmas as above, object
+# "le"/"la"/"les" as the stressed pronoun.
+HYPHEN_CLITICS = {
+    "-je": "moi", "-moi": "moi", "-tu": "toi", "-toi": "toi",
+    "-il": "lui", "-elle": "lui", "-lui": "lui", "-le": "lui", "-la": "lui",
+    "-ils": "eux", "-elles": "eux", "-eux": "eux", "-les": "eux",
+    "-leur": "eux", "-on": "on", "-nous": "nous", "-vous": "vous",
+    "-y": "y", "-en": "en", "-ce": "ce", "-ci": "ci", "-là": "là",
+    "-t-il": "lui", "-t-elle": "lui", "-t-on": "on",
+}
+
+# Elided clitics whose capitalised form is more often a symbol or an
+# initial ("M", "T") than a sentence-initial "M'" or "T'".
+NO_CAPITAL = {"m", "t"}
 
 # Capitalised words whose accent is commonly dropped.
 CAPITAL_WORDS = {"A": "à"}
@@ -154,6 +172,10 @@ def read_lefff(path):
             if form == lemma and not feats.endswith("p"):
                 citation.add(lemma)
             adjective_participle = cat == "adj" and feats.startswith("K")
+            # Subjunctive or simple past only ("voie", "vins").
+            rare_tense = (cat == "v" and feats[:1] in ("S", "T", "J")
+                          and all(c in "STJ" for c in feats
+                                  if c.isupper()))
             if cat in ("v", "adj") and feats.startswith("K"):
                 if lemma in FREQUENT_VERBS:
                     cat = "vFreq"
@@ -182,7 +204,8 @@ def read_lefff(path):
             if cat == "nc" and feats in ("fs", "fp") and key[0].islower():
                 gender = feats
             candidates.setdefault(key, []).append(
-                [CATEGORY_RANK[cat], lemma, adjective_participle, gender])
+                [CATEGORY_RANK[cat], lemma, adjective_participle, gender,
+                 rare_tense])
     # A feminine noun is its own lemma ("présidente", "amies" -> "amie"),
     # not the masculine noun the Lefff gives.
     for key, cands in candidates.items():
@@ -206,9 +229,39 @@ def choose(form, cands, citation):
         # used as one; a noun homograph is the likelier reading
         # ("partie", "parti", "points").
         cands = [c for c in cands if c[0] != CATEGORY_RANK["vK"]]
+    if (CATEGORY_RANK["vFreq"] in ranks
+            and ranks & {CATEGORY_RANK["nc"], CATEGORY_RANK["adj"]}
+            and CATEGORY_RANK["v"] not in ranks
+            and all(c[4] for c in cands if c[0] == CATEGORY_RANK["vFreq"])):
+        # A frequent verb's subjunctive or simple past yields to a noun
+        # or adjective homograph ("voie", "vins") unless another verb
+        # shares the form ("vit": "voir", "vivre").
+        cands = [c for c in cands if c[0] != CATEGORY_RANK["vFreq"]]
     best = min(cands, key=lambda c: (c[0], c[1] not in citation, c[1] != form,
                                      lemmacommon.utf16_key(c[1])))
     return best[1]
+
+
+def ligature(word):
+    """The Lefff writes "oe" for the "œ" of "cœur", "œil", "œuvre"."""
+    if "oe" not in word and "Oe" not in word:
+        return word
+    return (word.replace("oeu", "œu").replace("oeil", "œil")
+            .replace("Oeu", "Œu").replace("Oeil", "Œil"))
+
+
+def spelling_variants(form):
+    """Other spellings of a form: with "œ", and without the circumflex on
+    "i" and "u" that the 1990 spelling reform made optional ("abime",
+    "connaitre", "entrainement")."""
+    variants = []
+    lig = ligature(form)
+    for v in (lig, form):
+        if "î" in v or "û" in v:
+            variants.append(v.replace("î", "i").replace("û", "u"))
+    if lig != form:
+        variants.append(lig)
+    return variants
 
 
 def build(lefff_path):
@@ -218,6 +271,14 @@ def build(lefff_path):
         lemmas[form] = choose(form, candidates[form], citation)
     for form in sorted(FUNCTION_WORDS):
         lemmas[form] = FUNCTION_WORDS[form]
+    for form in sorted(lemmas, key=lemmacommon.utf16_key):
+        lemmas[form] = ligature(lemmas[form])
+    variants = {}
+    for form in sorted(lemmas, key=lemmacommon.utf16_key):
+        for v in spelling_variants(form):
+            if v not in lemmas and v not in variants:
+                variants[v] = lemmas[form]
+    lemmas.update(variants)
     lower = {f: l for f, l in lemmas.items() if f[0].islower()}
     # A capitalised closed-class word ("Vers", "Aucun") is that word at the
     # start of a sentence even when the Lefff also lists it as a name.
@@ -229,9 +290,11 @@ def build(lefff_path):
     mapping = dict((f, l) for f, l in lemmas.items())
     for form in sorted(FUNCTION_WORDS):
         cap = lemmacommon.upper_first(form)
-        mapping[cap] = FUNCTION_WORDS[form]
+        mapping[cap] = cap if form in NO_CAPITAL else FUNCTION_WORDS[form]
     for form in sorted(CAPITAL_WORDS):
         mapping[form] = CAPITAL_WORDS[form]
+    for form in sorted(HYPHEN_CLITICS):
+        mapping[form] = HYPHEN_CLITICS[form]
     lemmacommon.add_capitalised(mapping, lower, attested)
     return mapping
 
