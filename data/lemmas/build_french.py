@@ -205,7 +205,7 @@ def read_lefff(path):
                 gender = feats
             candidates.setdefault(key, []).append(
                 [CATEGORY_RANK[cat], lemma, adjective_participle, gender,
-                 rare_tense])
+                 rare_tense, feats.startswith("K")])
     # A feminine noun is its own lemma ("présidente", "amies" -> "amie"),
     # not the masculine noun the Lefff gives.
     for key, cands in candidates.items():
@@ -222,6 +222,10 @@ def read_lefff(path):
 
 
 def choose(form, cands, citation):
+    if any(c[5] for c in cands):
+        # A past participle is rarely the preposition it can also be
+        # ("passé", "vu", "excepté").
+        cands = [c for c in cands if c[0] != CATEGORY_RANK["prep"]]
     ranks = {c[0] for c in cands}
     if (CATEGORY_RANK["vK"] in ranks and CATEGORY_RANK["nc"] in ranks
             and not any(c[2] for c in cands)):
