@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <unordered_set>
@@ -228,6 +229,46 @@ std::vector<std::string> generatedSentences(std::size_t n, unsigned long long se
     sentences.push_back(sentence + " .");
   }
   return sentences;
+}
+
+std::vector<std::string> splitPieces(const std::string& sentence) {
+  std::vector<std::string> pieces;
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t end = sentence.find_first_of(" '", start);
+    pieces.push_back(sentence.substr(start, end == std::string::npos ? end : end - start));
+    if (end == std::string::npos) return pieces;
+    start = end + 1;
+  }
+}
+
+std::vector<std::string> realisticSentences(const std::string& lang, std::size_t fallback) {
+  std::vector<std::string> sentences = udSentences(lang);
+  if (sentences.empty()) sentences = generatedSentences(fallback, lang == "frf" ? 2 : 1);
+  return sentences;
+}
+
+const RealisticData& realisticData(const std::string& lang) {
+  static std::map<std::string, RealisticData> cache;
+  if (auto found = cache.find(lang); found != cache.end()) return found->second;
+  RealisticData data;
+  if (const auto prefix = defaultDataPrefix(lang)) {
+    data = {*prefix, "default data"};
+  } else {
+    std::vector<LemmaPair> pairs = WordGenerator(lang == "frf" ? 77 : 33).pairs(100000);
+    std::unordered_set<std::string> seen;
+    for (const LemmaPair& pair : pairs) seen.insert(pair.form);
+    bool take = true;
+    for (const std::string& sentence : realisticSentences(lang))
+      for (const std::string& piece : splitPieces(sentence)) {
+        if (piece.empty() || !seen.insert(piece).second) continue;
+        if (take) pairs.push_back({piece, QString::fromUtf8(piece.c_str()).toLower().toUtf8().toStdString()});
+        take = !take;
+      }
+    shuffle(pairs, 5);
+    data = {makeLemmaPrefix("realistic_" + lang, lang, pairs), "generated"};
+  }
+  return cache.emplace(lang, data).first->second;
 }
 
 std::string readFile(const std::string& path) {

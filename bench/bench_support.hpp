@@ -69,6 +69,23 @@ std::vector<std::string> udSentences(const std::string& lang);
 // `n` generated sentences of 4 to 20 generated words, some with apostrophes.
 std::vector<std::string> generatedSentences(std::size_t n, unsigned long long seed);
 
+// The pieces the library cuts a sentence into: between spaces and apostrophes,
+// empty pieces included.
+std::vector<std::string> splitPieces(const std::string& sentence);
+
+// Lemma data that resembles real use for "enu" or "frf".
+struct RealisticData {
+  std::string prefix;       // holds share/dialog/lemmatizer/<lang>/lemma
+  std::string description;  // "default data" or "generated"
+};
+// The default data when present; else 100k generated pairs plus every other
+// distinct word of the language's corpus sentences, mapped to its lower case,
+// so that about half of the corpus's words are listed.
+const RealisticData& realisticData(const std::string& lang);
+
+// The language's corpus sentences, else `fallback` generated ones.
+std::vector<std::string> realisticSentences(const std::string& lang, std::size_t fallback = 2000);
+
 // Reads a whole file; empty when unreadable.
 std::string readFile(const std::string& path);
 
