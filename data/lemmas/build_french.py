@@ -25,6 +25,17 @@ library cuts words at apostrophes. Multiword entries and abbreviations are
 left out. Forms are also given a capitalised variant (for sentence-initial
 words) unless the capitalised form is a word of its own in the Lefff
 (a proper noun such as "Pierre").
+
+Exceptions to the category order, each settled by the shape of the
+ambiguity rather than by word: a noun beats a past participle that the
+Lefff does not also list as an adjective ("partie", "parti"); a past
+participle beats a preposition ("passé") and an adverb beats a present
+participle ("maintenant"); a frequent verb's subjunctive or simple past
+yields to a noun or adjective homograph ("voie", "vins"). Feminine nouns
+are their own lemma ("présidente", "amies" -> "amie"). Spelling variants
+are added: "œ" for the Lefff's "oe" ("cœur", and lemmas such as "œil"),
+and "i"/"u" for "î"/"û" ("connaitre", "abime"). Clitics cut off after a
+verb's hyphen ("-il", "-t-elle") follow the pronoun table.
 """
 
 import argparse
@@ -153,8 +164,10 @@ def clean_lemma(lemma):
 
 
 def read_lefff(path):
-    """Returns ({key: [(rank, lemma)]}, set of capitalised words, set of
-    lemmas that are citation forms)."""
+    """Returns ({key: [[rank, lemma, adjective participle, noun gender,
+    subjunctive or simple past only, past participle, present
+    participle]]}, set of capitalised words, set of lemmas that are
+    citation forms)."""
     candidates = {}
     attested = set()
     citation = set()
@@ -205,7 +218,8 @@ def read_lefff(path):
                 gender = feats
             candidates.setdefault(key, []).append(
                 [CATEGORY_RANK[cat], lemma, adjective_participle, gender,
-                 rare_tense, feats.startswith("K")])
+                 rare_tense, feats.startswith("K"),
+                 cat == "v" and feats.startswith("G")])
     # A feminine noun is its own lemma ("présidente", "amies" -> "amie"),
     # not the masculine noun the Lefff gives.
     for key, cands in candidates.items():
@@ -226,6 +240,10 @@ def choose(form, cands, citation):
         # A past participle is rarely the preposition it can also be
         # ("passé", "vu", "excepté").
         cands = [c for c in cands if c[0] != CATEGORY_RANK["prep"]]
+    if any(c[0] == CATEGORY_RANK["adv"] for c in cands):
+        # An adverb is not read as the present participle it resembles
+        # ("maintenant").
+        cands = [c for c in cands if not c[6]]
     ranks = {c[0] for c in cands}
     if (CATEGORY_RANK["vK"] in ranks and CATEGORY_RANK["nc"] in ranks
             and not any(c[2] for c in cands)):
