@@ -31,9 +31,11 @@ class StemmerPrivate;
 // (lemma dictionary lookup), "jpj" Japanese (sentences are returned whole).
 //
 // Thread safety: any number of threads may call stemword() and stem_sentence()
-// on one shared English or French Stemmer at once, each with its own strings.
-// A Japanese Stemmer, construction, assignment and destruction need external
-// synchronisation.
+// on one shared Stemmer at once, each with its own strings and list. The
+// Japanese morpheme path (a StemmerPrivate given both a Snowball handle and a
+// tagger) reuses the tagger and serves one caller at a time, as stem_stream()
+// does for one Snowball handle. Construction, assignment and destruction need
+// external synchronisation.
 //
 // Copies and assignment are shallow: both handles then share one
 // implementation, and only one of them may be destroyed. The implementation a

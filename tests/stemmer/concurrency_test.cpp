@@ -1,13 +1,38 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdio>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <libstemmer.h>
+
 #include "stemmer/stemmer.hpp"
+#include "stemmer/stemmer_p.hpp"
 #include "support/test_support.hpp"
 
 namespace {
+
+using Stems = std::vector<std::string>;
+
+// Runs `work(thread)` on `threads` threads released together, so that their
+// first calls overlap; returns each thread's count of mismatches.
+std::vector<int> runTogether(int threads, const std::function<int(int)>& work) {
+  std::atomic<int> waiting{threads};
+  std::vector<int> mismatches(threads, 0);
+  std::vector<std::thread> pool;
+  for (int t = 0; t < threads; ++t) {
+    pool.emplace_back([&, t] {
+      waiting.fetch_sub(1);
+      while (waiting.load() > 0) std::this_thread::yield();
+      mismatches[t] = work(t);
+    });
+  }
+  for (auto& thread : pool) thread.join();
+  return mismatches;
+}
 
 // Many threads share one English stemmer, each with its own strings, and must
 // see exactly what a single thread sees.
@@ -54,6 +79,77 @@ TEST(Concurrency, SharedEnglishStemmerGivesSingleThreadResults) {
   EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
   EXPECT_EQ(expectedSentence,
             (std::vector<std::string>{"lemma1", "lemma2", "s", "", "other", "lemma3", "x"}));
+}
+
+// The first sentences of the process are split on several threads at once: each
+// copies the shared regular expression and Qt compiles and caches its engine.
+TEST(Concurrency, FirstSplitsOfTheProcessOverlap) {
+  dialog_test::DataRoot data;
+  data.write("lemmatizer/enu/lemma", "dogs\ndog\n");
+  ZQ::Dialog::Stemmer shared("enu");
+  const auto mismatches = runTogether(4, [&](int) {
+    int wrong = 0;
+    for (int round = 0; round < 50; ++round) {
+      Stems stems;
+      shared.stem_sentence("dogs don't bark", stems);
+      wrong += stems != Stems{"dog", "don", "t", "bark"};
+    }
+    return wrong;
+  });
+  EXPECT_EQ(mismatches, std::vector<int>(4, 0));
+}
+
+// The two token paths: an English stemmer without its Snowball handle (space
+// tokens), and Japanese and unsupported codes (the sentence whole).
+TEST(Concurrency, TokenPathsOnSharedStemmers) {
+  dialog_test::DataRoot data;
+  data.write("lemmatizer/enu/lemma", "dogs\ndog\n");
+  ZQ::Dialog::Stemmer spaced("enu");
+  sb_stemmer* const handle = spaced.impl->stemmer;
+  spaced.impl->stemmer = nullptr;
+  ZQ::Dialog::Stemmer japanese("jpj");
+  ZQ::Dialog::Stemmer unsupported("xx");
+  const std::string sentence = " dogs  don't\tbark ";
+
+  const auto mismatches = runTogether(4, [&](int) {
+    int wrong = 0;
+    for (int round = 0; round < 50; ++round) {
+      Stems stems;
+      spaced.stem_sentence(sentence, stems);
+      wrong += stems != Stems{"dogs", "don't\tbark"};
+      for (ZQ::Dialog::Stemmer* whole : {&japanese, &unsupported}) {
+        stems.clear();
+        whole->stem_sentence(sentence, stems);
+        wrong += stems != Stems{sentence};
+        std::string word = "dogs", result;
+        whole->stemword(word, result);
+        wrong += result != "dogs";
+      }
+    }
+    return wrong;
+  });
+  EXPECT_EQ(mismatches, std::vector<int>(4, 0));
+  spaced.impl->stemmer = handle;
+}
+
+// stem_stream on several threads at once, one Snowball handle each.
+TEST(Concurrency, StemStreamWithOneHandlePerThread) {
+  std::string lines = "Running\nJUMPS\nconnections\n";
+  const auto mismatches = runTogether(4, [&](int) {
+    sb_stemmer* handle = sb_stemmer_new("english", "UTF_8");
+    int wrong = 0;
+    for (int round = 0; round < 50; ++round) {
+      std::string bytes = lines;
+      FILE* in = fmemopen(bytes.data(), bytes.size(), "r");
+      QString out;
+      ZQ::Dialog::stem_stream(handle, in, out);
+      std::fclose(in);
+      wrong += out != QStringLiteral("runjumpconnect");
+    }
+    sb_stemmer_delete(handle);
+    return wrong;
+  });
+  EXPECT_EQ(mismatches, std::vector<int>(4, 0));
 }
 
 }  // namespace
