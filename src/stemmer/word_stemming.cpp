@@ -6,8 +6,10 @@ namespace ZQ::Dialog {
 namespace {
 
 // True when a UTF-8 round trip gives `text` back unchanged: it holds no U+0000
-// (which would cut it) and no surrogate (a lone one would be replaced).
+// (which would cut it) and no surrogate (a lone one would be replaced), and does
+// not start with U+FEFF (the decoder drops a leading byte-order mark).
 bool survivesRoundTrip(const QString& text) {
+  if (text.startsWith(QChar(0xFEFF))) return false;
   for (const QChar c : text) {
     const ushort unit = c.unicode();
     if (unit == 0 || (unit >= 0xD800 && unit <= 0xDFFF)) return false;

@@ -104,6 +104,29 @@ TEST_F(BadInput, EmbeddedZeroBytes) {
   EXPECT_EQ(sentence(xx, std::string("a\0b", 3)), (Stems{std::string("a\0b", 3)}));
 }
 
+// A byte-order mark that starts a word (one inside a sentence, or a second one
+// at its start) is dropped by the lookup key's UTF-8 round trip like any other
+// decoding would drop it; the word itself keeps it when nothing is found.
+TEST_F(BadInput, ByteOrderMarkStartingAWord) {
+  data_.write("lemmatizer/enu/lemma",
+              "went\ngo\n\xEF\xBB\xBF"
+              "dogs\nunreachable\n");
+  Stemmer en("enu");
+  EXPECT_EQ(sentence(en, "dogs \xEF\xBB\xBFwent"), (Stems{"dogs", "go"}));
+  EXPECT_EQ(stem(en, "\xEF\xBB\xBF\xEF\xBB\xBFwent"), "go");
+  // A form starting with U+FEFF is listed but can never be looked up.
+  EXPECT_EQ(sentence(en,
+                     "x \xEF\xBB\xBF"
+                     "dogs"),
+            (Stems{"x",
+                   "\xEF\xBB\xBF"
+                   "dogs"}));
+  QString word = QChar(0xFEFF) + QStringLiteral("dogs");
+  QString result;
+  en.impl->stemmword(word, result);
+  EXPECT_EQ(result, QChar(0xFEFF) + QStringLiteral("dogs"));
+}
+
 TEST_F(BadInput, TenMegabyteSentence) {
   // Pieces of 999 bytes and one space: 10 MiB, about ten thousand pieces.
   std::string piece(999, 'x');
