@@ -12,7 +12,8 @@ Stemmer::Stemmer(const std::string& code) : language(), impl(nullptr) {
 
 Stemmer::~Stemmer() { delete impl; }
 
-Stemmer& Stemmer::operator=(const Stemmer& other) {
+// Copying a string and a pointer is already safe when `other` is this handle.
+Stemmer& Stemmer::operator=(const Stemmer& other) {  // NOLINT(bugprone-unhandled-self-assignment)
   // Shallow on purpose: the handles share one implementation from now on, and
   // the one this handle held is left alone.
   language = other.language;
