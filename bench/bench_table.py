@@ -45,7 +45,8 @@ def load(paths):
     runs = OrderedDict()  # name -> list of repetition records
     errors = OrderedDict()
     context = None
-    for path in paths:
+    order = {}  # name -> (file, registration order), as interleaving shuffles runs
+    for file_index, path in enumerate(paths):
         with open(path, encoding="utf-8") as handle:
             data = json.load(handle)
         context = context or data.get("context", {})
@@ -53,12 +54,17 @@ def load(paths):
             name = benchmark.get("run_name", benchmark["name"])
             # Drop the suffixes that settings add (real_time, min_time:...).
             name = re.sub(r"/(real_time|min_time:[0-9.]+|repeats:[0-9]+)", "", name)
+            operation = name.split("/", 1)[0]
+            rank = list(OPERATIONS).index(operation) if operation in OPERATIONS else len(OPERATIONS)
+            order.setdefault(name, (rank, file_index, benchmark.get("family_index", 0)))
             if benchmark.get("error_occurred"):
                 errors[name] = benchmark.get("error_message", "error")
                 continue
             if benchmark.get("run_type") == "aggregate":
                 continue
             runs.setdefault(name, []).append(benchmark)
+    runs = OrderedDict(sorted(runs.items(), key=lambda item: order[item[0]]))
+    errors = OrderedDict(sorted(errors.items(), key=lambda item: order[item[0]]))
     return runs, errors, context
 
 

@@ -3,9 +3,9 @@
 # benchmark program with repetitions into JSON and prints one table: median,
 # range over the repetitions and ratio to the baseline run beside it.
 #
-#   scripts/bench.sh            full run: 5 repetitions (about 8 minutes on 2 cores)
+#   scripts/bench.sh            full run: 5 to 15 repetitions (about 5 minutes on 2 cores)
 #   scripts/bench.sh --quick    2 short repetitions, constructions of 100k pairs
-#                               and of the default data only (about 2 minutes)
+#                               and of the default data only (under a minute)
 #   scripts/bench.sh [--quick] -- CMAKE_ARGS...   extra configure arguments
 #
 # Environment: DIALOG_BENCH_BUILD (build directory, default build-bench),
@@ -42,25 +42,34 @@ if ! { cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DDIALOG_BUILD_BENCHMAR
   exit 1
 fi
 
-if [ "$quick" = 1 ]; then
-  common=(--benchmark_repetitions=2 --benchmark_min_time=0.1)
-  construct_filter='construct/(default_enu|default_frf|sorted_100k|shuffled_100k)/'
-else
-  # Repetitions of all cases interleaved at random, so that drift in the
-  # machine's load falls on library and baseline alike.
-  common=(--benchmark_repetitions=5 --benchmark_enable_random_interleaving=true)
-  construct_filter='.'
-fi
+# settings <program>: the repetition and filter flags of one program, one a line.
+settings() {
+  if [ "$quick" = 1 ]; then
+    printf '%s\n' --benchmark_repetitions=2 --benchmark_min_time=0.1
+    [ "$1" = construction ] &&
+      printf '%s\n' '--benchmark_filter=construct/(default_enu|default_frf|sorted_100k|shuffled_100k)/'
+    return 0
+  fi
+  # Repetitions of all cases interleaved at random, so that changes in the
+  # machine's load fall on library and baseline alike; the cheap programs get
+  # many short repetitions for the same reason.
+  printf '%s\n' --benchmark_enable_random_interleaving=true
+  case "$1" in
+    construction) printf '%s\n' --benchmark_repetitions=5 ;;
+    stream) printf '%s\n' --benchmark_repetitions=9 ;;
+    *) printf '%s\n' --benchmark_repetitions=15 --benchmark_min_time=0.2 ;;
+  esac
+}
 
 # The lemma files are decoded with the locale's codec, as in production.
 export LC_ALL=C.UTF-8
 rm -rf "$results"
 mkdir -p "$results"
 for program in construction stemword sentence stream japanese; do
-  filter='.'
-  [ "$program" = construction ] && filter=$construct_filter
-  echo "== $program ..."
-  "$build/bench/dialog_bench_$program" "${common[@]}" --benchmark_filter="$filter" \
+  mapfile -t flags < <(settings "$program")
+  echo "== $program: ${flags[*]}"
+  SECONDS=0
+  "$build/bench/dialog_bench_$program" "${flags[@]}" \
     --benchmark_display_aggregates_only=true \
     --benchmark_out="$results/$program.json" --benchmark_out_format=json \
     >"$results/$program.txt" 2>&1 || {
@@ -68,6 +77,7 @@ for program in construction stemword sentence stream japanese; do
       echo "bench.sh: $program failed" >&2
       exit 1
     }
+  echo "   ${SECONDS}s"
 done
 
 echo
