@@ -3,7 +3,7 @@
 # benchmark program with repetitions into JSON and prints one table: median,
 # range over the repetitions and ratio to the baseline run beside it.
 #
-#   scripts/bench.sh            full run: 5 to 15 repetitions (about 5 minutes on 2 cores)
+#   scripts/bench.sh            full run: 7 to 15 repetitions (about 5 minutes on 2 cores)
 #   scripts/bench.sh --quick    2 short repetitions, constructions of 100k pairs
 #                               and of the default data only (under a minute)
 #   scripts/bench.sh [--quick] -- CMAKE_ARGS...   extra configure arguments
@@ -55,7 +55,7 @@ settings() {
   # many short repetitions for the same reason.
   printf '%s\n' --benchmark_enable_random_interleaving=true
   case "$1" in
-    construction) printf '%s\n' --benchmark_repetitions=5 ;;
+    construction) printf '%s\n' --benchmark_repetitions=7 ;;
     stream) printf '%s\n' --benchmark_repetitions=9 ;;
     *) printf '%s\n' --benchmark_repetitions=15 --benchmark_min_time=0.2 ;;
   esac
