@@ -26,14 +26,14 @@ const char* const kOnsets[] = {"",   "",   "b",  "c",  "d",  "f",  "g",  "h",   
                                "m",  "n",  "p",  "r",  "s",  "t",  "v",  "br",  "ch", "cl",
                                "cr", "dr", "fl", "fr", "gr", "pl", "pr", "qu",  "sh", "st",
                                "th", "tr", "w",  "k",  "sp", "gl", "ç",  "str", "z",  "bl"};
-const char* const kVowels[] = {"a",  "e",  "i",  "o",  "u",  "ou", "ai", "ea",
-                               "ee", "oi", "au", "ie", "a",  "e",  "i",  "o"};
+const char* const kVowels[] = {"a",  "e",  "i",  "o",  "u", "ou", "ai", "ea",
+                               "ee", "oi", "au", "ie", "a", "e",  "i",  "o"};
 const char* const kAccented[] = {"é", "è", "ê", "à", "â", "ô", "û", "î", "ï", "ë"};
-const char* const kCodas[] = {"", "", "", "", "n", "r", "s", "l", "t", "m", "nt", "rt", "st", "ck",
-                              "x", "d", "ng"};
-const char* const kEndings[] = {"s",    "es",  "ed",  "ing",  "er",   "est", "ly",  "ness",
-                                "e",    "ent", "ons", "ez",   "ait",  "é",   "ée",  "és",
-                                "ées",  "ais", "ions", "èrent", "eront", "ment", "ité", "ful"};
+const char* const kCodas[] = {"",  "",   "",   "",   "n",  "r", "s", "l", "t",
+                              "m", "nt", "rt", "st", "ck", "x", "d", "ng"};
+const char* const kEndings[] = {"s",   "es",  "ed",   "ing",   "er",    "est",  "ly",  "ness",
+                                "e",   "ent", "ons",  "ez",    "ait",   "é",    "ée",  "és",
+                                "ées", "ais", "ions", "èrent", "eront", "ment", "ité", "ful"};
 
 template <typename T, std::size_t N>
 constexpr std::size_t count(const T (&)[N]) {
@@ -262,7 +262,9 @@ const RealisticData& realisticData(const std::string& lang) {
     for (const std::string& sentence : realisticSentences(lang))
       for (const std::string& piece : splitPieces(sentence)) {
         if (piece.empty() || !seen.insert(piece).second) continue;
-        if (take) pairs.push_back({piece, QString::fromUtf8(piece.c_str()).toLower().toUtf8().toStdString()});
+        if (take)
+          pairs.push_back(
+              {piece, QString::fromUtf8(piece.c_str()).toLower().toUtf8().toStdString()});
         take = !take;
       }
     shuffle(pairs, 5);

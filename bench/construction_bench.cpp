@@ -21,11 +21,11 @@
 #include <string>
 #include <utility>
 
+#include <benchmark/benchmark.h>
+#include <libstemmer.h>
 #include <QFile>
 #include <QString>
 #include <QTextStream>
-#include <benchmark/benchmark.h>
-#include <libstemmer.h>
 
 #include "bench_support.hpp"
 #include "stemmer/stemmer.hpp"
@@ -179,9 +179,9 @@ double bytesPerEntry(const std::string& impl, const Source& src) {
 
 void setCounters(benchmark::State& state, const Source& src, double entries) {
   // Seconds per (100k pairs / 1000), inverted rate: milliseconds per 100k pairs.
-  state.counters["ms_per_100k"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * src.pairs / 1e8,
-      benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  state.counters["ms_per_100k"] =
+      benchmark::Counter(static_cast<double>(state.iterations()) * src.pairs / 1e8,
+                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
   state.counters["pairs"] = src.pairs;
   if (entries >= 0) state.counters["entries"] = entries;
 }
@@ -257,7 +257,8 @@ void registerSource(const std::string& key, const std::string& lang, std::size_t
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 5 && std::string(argv[1]) == "--rss-child") return rssChild(argv[2], argv[3], argv[4]);
+  if (argc == 5 && std::string(argv[1]) == "--rss-child")
+    return rssChild(argv[2], argv[3], argv[4]);
   registerSource("default_enu", "enu", 0, false);
   registerSource("default_frf", "frf", 0, false);
   for (const std::size_t count : {100000, 400000, 1000000}) {

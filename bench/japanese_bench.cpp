@@ -189,8 +189,14 @@ void walkLibrary(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(openLibrary)->Name("jpj_open/ipadic/library")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(openMecab)->Name("jpj_open/ipadic/mecab_open")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(openLibrary)
+    ->Name("jpj_open/ipadic/library")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(openMecab)
+    ->Name("jpj_open/ipadic/mecab_open")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(walkBare)->Name("mecab_walk/ja/bare_walk")->Unit(benchmark::kMicrosecond);
 BENCHMARK(walkLibrary)->Name("mecab_walk/ja/library_morphemes")->Unit(benchmark::kMicrosecond);
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include <QString>
 #include <benchmark/benchmark.h>
+#include <QString>
 
 #include "bench_support.hpp"
 #include "stemmer/stemmer.hpp"
@@ -54,7 +54,8 @@ const Setup& setup(const std::string& lang) {
     s.stemmer = std::make_unique<ZQ::Dialog::Stemmer>(lang);
   }
   s.sentences = udSentences(lang);
-  s.label = data.description + (s.sentences.empty() ? ", generated sentences" : ", UD dev sentences");
+  s.label =
+      data.description + (s.sentences.empty() ? ", generated sentences" : ", UD dev sentences");
   if (s.sentences.empty()) s.sentences = realisticSentences(lang);
   // Both sides must give the same stems, or the comparison means nothing.
   for (const std::string& sentence : s.sentences) {
@@ -88,15 +89,17 @@ void run(benchmark::State& state, const std::string& lang, Fn&& stem) {
 }
 
 void library(benchmark::State& state, const std::string& lang) {
-  run(state, lang, [](const Setup& s, const std::string& sentence, std::vector<std::string>& stems) {
-    s.stemmer->stem_sentence(sentence, stems);
-  });
+  run(state, lang,
+      [](const Setup& s, const std::string& sentence, std::vector<std::string>& stems) {
+        s.stemmer->stem_sentence(sentence, stems);
+      });
 }
 
 void hand(benchmark::State& state, const std::string& lang) {
-  run(state, lang, [](const Setup& s, const std::string& sentence, std::vector<std::string>& stems) {
-    handSplit(s.stemmer->impl->lemDic, sentence, stems);
-  });
+  run(state, lang,
+      [](const Setup& s, const std::string& sentence, std::vector<std::string>& stems) {
+        handSplit(s.stemmer->impl->lemDic, sentence, stems);
+      });
 }
 
 }  // namespace

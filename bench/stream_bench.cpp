@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include <QString>
 #include <benchmark/benchmark.h>
 #include <libstemmer.h>
+#include <QString>
 
 #include "bench_support.hpp"
 #include "stemmer/stemmer.hpp"

@@ -11,9 +11,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include <QString>
 #include <benchmark/benchmark.h>
 #include <libstemmer.h>
+#include <QString>
 
 #include "bench_support.hpp"
 #include "stemmer/stemmer.hpp"
