@@ -173,18 +173,6 @@ void installUserDictionary(const std::string& path) {
   fs::copy_file(compiled().user(), path, fs::copy_options::overwrite_existing);
 }
 
-std::string readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-void writeFile(const std::string& path, const std::string& contents) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << contents;
-}
-
 void patchField(const std::string& path, std::size_t offset, unsigned value) {
   std::string bytes = readFile(path);
   for (int i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<char>((value >> (8 * i)) & 0xff);

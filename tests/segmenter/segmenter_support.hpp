@@ -6,6 +6,8 @@
 
 #include <mecab.h>
 
+#include "support/test_support.hpp"
+
 namespace segmenter_test {
 
 // Captures what the process writes to file descriptors 1 and 2 until finish().
@@ -52,8 +54,8 @@ void installDictionary(const std::string& dir);
 // Copies a compiled user dictionary (one word, 犬) to the file `path`.
 void installUserDictionary(const std::string& path);
 
-std::string readFile(const std::string& path);
-void writeFile(const std::string& path, const std::string& contents);
+using dialog_test::readFile;
+using dialog_test::writeFile;
 // Overwrites the 32-bit little-endian header field at byte `offset`.
 void patchField(const std::string& path, std::size_t offset, unsigned value);
 

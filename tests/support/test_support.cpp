@@ -3,11 +3,25 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
 
 namespace dialog_test {
+
+std::string readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+void writeFile(const std::string& path, const std::string& contents) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
+  if (!out) throw std::runtime_error("cannot write " + path);
+}
 
 TempDir::TempDir() {
   std::string pattern = (fs::temp_directory_path() / "dialog-test-XXXXXX").string();
@@ -23,9 +37,7 @@ TempDir::~TempDir() {
 std::string TempDir::write(const std::string& relative, const std::string& contents) const {
   const fs::path target = fs::path(path_) / relative;
   fs::create_directories(target.parent_path());
-  std::ofstream out(target, std::ios::binary);
-  out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-  if (!out) throw std::runtime_error("cannot write " + target.string());
+  writeFile(target.string(), contents);
   return target.string();
 }
 

@@ -6,6 +6,11 @@
 
 namespace dialog_test {
 
+// A whole file's bytes; "" when it cannot be read.
+std::string readFile(const std::string& path);
+// Replaces a file's contents with `contents`, byte for byte.
+void writeFile(const std::string& path, const std::string& contents);
+
 // A fresh directory under the system's temporary directory, removed with its
 // contents when the object goes.
 class TempDir {

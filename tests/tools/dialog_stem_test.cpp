@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "support/test_support.hpp"
@@ -17,13 +15,6 @@ struct Outcome {
   int status;
   std::string out, err;
 };
-
-std::string slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 std::string quote(const std::string& argument) {
   std::string quoted = "'";
@@ -43,8 +34,8 @@ class DialogStem : public testing::Test {
     for (const std::string& arg : args) command += " " + quote(arg);
     command += " <" + in + " >" + scratch_.path() + "/out 2>" + scratch_.path() + "/err";
     const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, slurp(scratch_.path() + "/out"),
-            slurp(scratch_.path() + "/err")};
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, dialog_test::readFile(scratch_.path() + "/out"),
+            dialog_test::readFile(scratch_.path() + "/err")};
   }
   dialog_test::DataRoot data_;
   dialog_test::TempDir scratch_;
