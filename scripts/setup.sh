@@ -9,7 +9,7 @@ packages=(
   libmecab-dev mecab-utils mecab-ipadic-utf8
   libgtest-dev libgmock-dev libbenchmark-dev
   clang clang-format clang-tidy libclang-rt-14-dev
-  python3 wordnet-base wamerican
+  python3 wordnet-base wamerican locales
 )
 # The lemma data's npm inputs need npm; keep a Node.js that is already there.
 command -v npm >/dev/null 2>&1 || packages+=(nodejs npm)
@@ -25,4 +25,6 @@ fi
 export DEBIAN_FRONTEND=noninteractive
 apt-get update -qq
 apt-get install -y -qq --no-install-recommends "${packages[@]}" >/dev/null
+# A non-UTF-8 locale for the lemma loader's locale test.
+localedef -i fr_FR -f ISO-8859-1 fr_FR.ISO-8859-1
 echo "setup.sh: dependencies installed"

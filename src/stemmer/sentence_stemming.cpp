@@ -14,6 +14,30 @@ void appendTokens(const std::string& sentence, const boost::char_separator<char>
   for (const std::string& token : tokens) stems.push_back(token);
 }
 
+// True while `rx` still matches exactly one space or one apostrophe, as it was
+// built at load time; a caller may have changed it since.
+bool rxIsLoadTimeSplit() {
+  return rx.patternSyntax() == QRegExp::RegExp && rx.caseSensitivity() == Qt::CaseSensitive &&
+         rx.pattern() == QLatin1String("[ ']");
+}
+
+// Calls `piece` with every part between spaces and apostrophes, empty parts
+// included: the parts QString::split(rx, Qt::KeepEmptyParts) gives for the
+// load-time `rx`, without running the regular expression or building a list.
+template <typename Piece>
+void forEachPiece(const QString& text, Piece&& piece) {
+  const QChar* const begin = text.constData();
+  const QChar* const end = begin + text.size();
+  const QChar* start = begin;
+  for (const QChar* c = begin; c != end; ++c) {
+    if (*c == QLatin1Char(' ') || *c == QLatin1Char('\'')) {
+      piece(QString(start, static_cast<int>(c - start)));
+      start = c + 1;
+    }
+  }
+  piece(QString(start, static_cast<int>(end - start)));
+}
+
 // Index of the base form in the IPA dictionary's feature record.
 constexpr int kBaseFormField = 6;
 
@@ -23,12 +47,16 @@ void StemmerPrivate::stem_sentence(const std::string& sentence, std::vector<std:
   // The stemmer's presence is tested first, then the language: a Japanese
   // stemmer has no Snowball stemmer and so returns its sentence whole.
   if (stemmer && lang != 0) {
-    const QStringList parts = QString::fromUtf8(sentence.c_str()).split(rx, Qt::KeepEmptyParts);
-    for (const QString& part : parts) {
-      QString word = part;
+    const QString text = QString::fromUtf8(sentence.c_str());
+    const auto stemPiece = [&](QString word) {
       QString stem;
       stemmword(word, stem);
       stems.emplace_back(stem.toUtf8().constData());
+    };
+    if (rxIsLoadTimeSplit()) {
+      forEachPiece(text, stemPiece);
+    } else {
+      for (const QString& part : text.split(rx, Qt::KeepEmptyParts)) stemPiece(part);
     }
   } else if (stemmer) {
     const MeCab::Node* node = tagger->parseToNode(sentence.c_str());

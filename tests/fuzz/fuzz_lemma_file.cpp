@@ -1,7 +1,9 @@
 // The input is an English lemma file: it is written where the data lookup finds
-// it, read through the library's loader, and every entry is looked up again.
+// it, read through the library's loader, compared entry by entry with the plain
+// readLine loop's map, and every entry is looked up again.
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 
 #include "fuzz_support.hpp"
@@ -10,7 +12,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > dialog_fuzz::kMaxInput) return 0;
   const dialog_test::DataRoot& root = dialog_fuzz::dataRoot();
-  root.write("lemmatizer/enu/lemma", std::string(reinterpret_cast<const char*>(data), size));
+  const std::string path =
+      root.write("lemmatizer/enu/lemma", std::string(reinterpret_cast<const char*>(data), size));
 
   // One implementation for the whole run: "xx" creates no Snowball handle.
   static ZQ::Dialog::StemmerPrivate* const impl = [] {
@@ -20,6 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return created;
   }();
   impl->lemDic = impl->getLemDic("enu");
+  const std::map<QString, QString> plain = dialog_test::plainLemmaLoad(path);
+  if (impl->lemDic != plain) dialog_fuzz::fail("map differs from the plain readLine loop's");
+  for (auto l = impl->lemDic.cbegin(), p = plain.cbegin(); l != impl->lemDic.end(); ++l, ++p)
+    if (l->second.isNull() != p->second.isNull()) dialog_fuzz::fail("null lemma differs");
 
   for (const auto& [form, lemma] : impl->lemDic) {
     QString word = form;

@@ -54,6 +54,36 @@ TEST_F(SentenceStemming, RegexSplitBadInput) {
   EXPECT_EQ(run(en, "caf\xC3 dogs"), (Stems{"caf\xEF\xBF\xBD", "dog"}));  // replaced, not dropped
 }
 
+TEST_F(SentenceStemming, DirectSplitEqualsRegexSplit) {
+  // "[' ]" matches what "[ ']" matches but is not the load-time pattern, so it
+  // takes the regular-expression path; both must give the same parts.
+  const std::vector<std::string> sentences = {"",
+                                              " ",
+                                              "'",
+                                              "''",
+                                              " ' ",
+                                              "I don't like dogs",
+                                              "  a  b  ",
+                                              "l'homme'",
+                                              "dogs\tdogs",
+                                              "don\xE2\x80\x99t",
+                                              "caf\xC3 dogs",
+                                              "\xF0\x9F\x98\x80 dogs",
+                                              std::string("a b\0c d", 7)};
+  Stemmer en("enu");
+  std::vector<Stems> direct;
+  for (const std::string& sentence : sentences) direct.push_back(run(en, sentence));
+  const QRegExp saved = ZQ::Dialog::rx;
+  ZQ::Dialog::rx.setPattern(QStringLiteral("[' ]"));
+  for (std::size_t i = 0; i < sentences.size(); ++i)
+    EXPECT_EQ(run(en, sentences[i]), direct[i]) << sentences[i];
+  // A caller's own pattern is honoured from then on.
+  ZQ::Dialog::rx.setPattern(QStringLiteral("o"));
+  EXPECT_EQ(run(en, "don't dogs"), (Stems{"d", "n't d", "gs"}));
+  ZQ::Dialog::rx = saved;
+  EXPECT_EQ(run(en, "don't"), (Stems{"DO", "NOT"}));
+}
+
 TEST_F(SentenceStemming, AppendsToTheCallersList) {
   Stemmer en("enu");
   EXPECT_EQ(run(en, "dogs", {"kept"}), (Stems{"kept", "dog"}));

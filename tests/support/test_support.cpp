@@ -6,6 +6,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <QFile>
+#include <QTextStream>
+
 namespace fs = std::filesystem;
 
 namespace dialog_test {
@@ -21,6 +24,18 @@ void writeFile(const std::string& path, const std::string& contents) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
   if (!out) throw std::runtime_error("cannot write " + path);
+}
+
+std::map<QString, QString> plainLemmaLoad(const std::string& path) {
+  std::map<QString, QString> map;
+  QFile file(QString::fromUtf8(path.c_str()));
+  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return map;
+  QTextStream in(&file);
+  while (!in.atEnd()) {
+    const QString form = in.readLine();
+    map[form] = in.readLine();
+  }
+  return map;
 }
 
 TempDir::TempDir() {

@@ -1,8 +1,11 @@
 #ifndef DIALOG_TESTS_TEST_SUPPORT_HPP
 #define DIALOG_TESTS_TEST_SUPPORT_HPP
 
+#include <map>
 #include <optional>
 #include <string>
+
+#include <QString>
 
 namespace dialog_test {
 
@@ -10,6 +13,11 @@ namespace dialog_test {
 std::string readFile(const std::string& path);
 // Replaces a file's contents with `contents`, byte for byte.
 void writeFile(const std::string& path, const std::string& contents);
+
+// The lemma file at `path` read by the plainest loop: QFile in text mode,
+// QTextStream::readLine, one map insertion per pair. The library's loader must
+// give exactly this map.
+std::map<QString, QString> plainLemmaLoad(const std::string& path);
 
 // A fresh directory under the system's temporary directory, removed with its
 // contents when the object goes.
