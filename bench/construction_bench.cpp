@@ -2,27 +2,28 @@
 // into the dictionary, and the memory the dictionary keeps.
 //
 // Beside each library figure run its baselines over the same file: reading the
-// file's bytes, and the same std::map<QString, QString> filled by a plain loop
-// over QTextStream::readLine, the floor for this data structure.
+// file's bytes, and the same std::map<QString, QString> filled by the plain
+// QTextStream::readLine loop of the tests.
 //
-// Memory is measured in a fresh process: the program runs itself again with
-// --rss-child, which warms up Qt's text decoding, reads its resident size
-// (VmRSS of /proc/self/status), builds the dictionary once and reports its peak
-// resident size (VmHWM) minus that starting size, per dictionary entry.
+// Every construction runs in a fresh process, as a user meets it: the program
+// runs itself again with --child, which warms up Qt's text decoding, reads its
+// resident size (VmRSS of /proc/self/status), builds the dictionary once and
+// reports the time taken and its peak resident size (VmHWM) minus that start.
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <map>
-#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <benchmark/benchmark.h>
-#include <libstemmer.h>
 #include <QFile>
 #include <QString>
 #include <QTextStream>
@@ -30,6 +31,7 @@
 #include "bench_support.hpp"
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
+#include "support/test_support.hpp"
 
 namespace {
 
@@ -85,20 +87,6 @@ const Source& source(const std::string& key, const std::string& lang, std::size_
   return cache.emplace(key, std::move(src)).first->second;
 }
 
-// The floor: the same map, filled by the plainest loop over readLine.
-std::map<QString, QString> readLineMap(const std::string& path) {
-  std::map<QString, QString> map;
-  QFile file(QString::fromUtf8(path.c_str()));
-  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return map;
-  QTextStream in(&file);
-  while (!in.atEnd()) {
-    QString form = in.readLine();
-    QString lemma = in.readLine();
-    map.insert_or_assign(std::move(form), std::move(lemma));
-  }
-  return map;
-}
-
 // A "<field>: <n> kB" line of /proc/self/status, in bytes. These figures are
 // the process's own: getrusage's ru_maxrss would carry the parent's peak over
 // fork and exec.
@@ -117,7 +105,8 @@ long statusBytes(const char* field) {
   return kb * 1024;
 }
 
-int rssChild(const std::string& impl, const std::string& lang, const std::string& prefix) {
+// The child: one construction, reported as "<entries> <seconds> <bytes>".
+int constructChild(const std::string& impl, const std::string& lang, const std::string& prefix) {
   setenv("KU_PREFIX_PATH", prefix.c_str(), 1);
   setenv("XDG_DATA_HOME", "/nonexistent/dialog-bench", 1);
   const std::string path = lemmaPath(prefix, lang);
@@ -128,53 +117,48 @@ int rssChild(const std::string& impl, const std::string& lang, const std::string
   }
   const long before = statusBytes("VmRSS");
   std::size_t entries = 0;
-  std::unique_ptr<ZQ::Dialog::Stemmer> stemmer;
-  std::map<QString, QString> map;
+  const auto start = std::chrono::steady_clock::now();
+  // Both results are left to the process's end: only building is timed.
   if (impl == "library") {
-    stemmer = std::make_unique<ZQ::Dialog::Stemmer>(lang);
-    entries = stemmer->impl->lemDic.size();
+    entries = (new ZQ::Dialog::Stemmer(lang))->impl->lemDic.size();
   } else {
-    map = readLineMap(path);
-    entries = map.size();
+    entries = (new std::map<QString, QString>(dialog_test::plainLemmaLoad(path)))->size();
   }
-  std::printf("%zu %ld\n", entries, statusBytes("VmHWM") - before);
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  std::printf("%zu %.9f %ld\n", entries, seconds.count(), statusBytes("VmHWM") - before);
   std::fflush(stdout);
   _exit(0);  // the dictionary's teardown is of no interest here
 }
 
-// Bytes of peak resident growth per entry, measured once per (source, impl).
-double bytesPerEntry(const std::string& impl, const Source& src) {
-  static std::map<std::string, double> cache;
-  const std::string key = impl + "|" + src.prefix + "|" + src.lang;
-  if (auto found = cache.find(key); found != cache.end()) return found->second;
-  double result = -1;
+struct ChildResult {
+  double entries = 0, seconds = 0, bytes = 0;
+};
+
+// Runs one construction in a fresh process; false when the child failed.
+bool runChild(const std::string& impl, const Source& src, ChildResult& result) {
   int fds[2];
-  if (pipe(fds) == 0) {
-    std::fflush(nullptr);
-    const pid_t pid = fork();
-    if (pid == 0) {
-      dup2(fds[1], STDOUT_FILENO);
-      close(fds[0]);
-      close(fds[1]);
-      execl("/proc/self/exe", "dialog_bench_construction", "--rss-child", impl.c_str(),
-            src.lang.c_str(), src.prefix.c_str(), static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    close(fds[1]);
-    std::string output;
-    char buffer[256];
-    for (ssize_t n; (n = read(fds[0], buffer, sizeof buffer)) > 0;) output.append(buffer, n);
+  if (pipe(fds) != 0) return false;
+  std::fflush(nullptr);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    dup2(fds[1], STDOUT_FILENO);
     close(fds[0]);
-    int status = 0;
-    if (pid > 0) waitpid(pid, &status, 0);
-    unsigned long entries = 0;
-    long growth = 0;
-    if (pid > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0 &&
-        std::sscanf(output.c_str(), "%lu %ld", &entries, &growth) == 2 && entries > 0)
-      result = static_cast<double>(growth) / static_cast<double>(entries);
+    close(fds[1]);
+    execl("/proc/self/exe", "dialog_bench_construction", "--child", impl.c_str(), src.lang.c_str(),
+          src.prefix.c_str(), static_cast<char*>(nullptr));
+    _exit(127);
   }
-  cache[key] = result;
-  return result;
+  close(fds[1]);
+  std::string output;
+  char buffer[256];
+  for (ssize_t n; (n = read(fds[0], buffer, sizeof buffer)) > 0;) output.append(buffer, n);
+  close(fds[0]);
+  int status = 0;
+  if (pid > 0) waitpid(pid, &status, 0);
+  return pid > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0 &&
+         std::sscanf(output.c_str(), "%lf %lf %lf", &result.entries, &result.seconds,
+                     &result.bytes) == 3 &&
+         result.entries > 0;
 }
 
 void setCounters(benchmark::State& state, const Source& src, double entries) {
@@ -186,39 +170,19 @@ void setCounters(benchmark::State& state, const Source& src, double entries) {
   if (entries >= 0) state.counters["entries"] = entries;
 }
 
-void constructLibrary(benchmark::State& state, const Source& src) {
+// Library or plain loop, each construction timed inside its own process.
+void construct(benchmark::State& state, const std::string& impl, const Source& src) {
   if (!src.error.empty()) return state.SkipWithError(src.error.c_str());
-  const DataPrefixScope scope(src.prefix);
-  const double memory = bytesPerEntry("library", src);
-  double entries = 0;
+  ChildResult result;
+  std::vector<double> bytes;
   for (auto _ : state) {
-    auto* stemmer = new ZQ::Dialog::Stemmer(src.lang);
-    state.PauseTiming();
-    entries = static_cast<double>(stemmer->impl->lemDic.size());
-    // Snowball handles are kept for the process's life by design; freed here
-    // so that thousands of iterations do not pile them up.
-    sb_stemmer_delete(stemmer->impl->stemmer);
-    stemmer->impl->stemmer = nullptr;
-    delete stemmer;
-    state.ResumeTiming();
+    if (!runChild(impl, src, result)) return state.SkipWithError("construction child failed");
+    state.SetIterationTime(result.seconds);
+    bytes.push_back(result.bytes / result.entries);
   }
-  setCounters(state, src, entries);
-  if (memory >= 0) state.counters["bytes_per_entry"] = memory;
-}
-
-void constructReadLineMap(benchmark::State& state, const Source& src) {
-  if (!src.error.empty()) return state.SkipWithError(src.error.c_str());
-  const double memory = bytesPerEntry("readline_map", src);
-  double entries = 0;
-  for (auto _ : state) {
-    auto* map = new std::map<QString, QString>(readLineMap(src.path));
-    state.PauseTiming();
-    entries = static_cast<double>(map->size());
-    delete map;
-    state.ResumeTiming();
-  }
-  setCounters(state, src, entries);
-  if (memory >= 0) state.counters["bytes_per_entry"] = memory;
+  setCounters(state, src, result.entries);
+  std::sort(bytes.begin(), bytes.end());
+  if (!bytes.empty()) state.counters["bytes_per_entry"] = bytes[bytes.size() / 2];
 }
 
 void readBytes(benchmark::State& state, const Source& src) {
@@ -240,14 +204,11 @@ void registerSource(const std::string& key, const std::string& lang, std::size_t
                     bool sorted) {
   const auto get = [=]() -> const Source& { return source(key, lang, count, sorted); };
   const std::string base = "construct/" + key + "/";
-  benchmark::RegisterBenchmark((base + "library").c_str(),
-                               [get](benchmark::State& s) { constructLibrary(s, get()); })
-      ->Unit(benchmark::kMillisecond)
-      ->UseRealTime();
-  benchmark::RegisterBenchmark((base + "readline_map").c_str(),
-                               [get](benchmark::State& s) { constructReadLineMap(s, get()); })
-      ->Unit(benchmark::kMillisecond)
-      ->UseRealTime();
+  for (const char* impl : {"library", "readline_map"})
+    benchmark::RegisterBenchmark((base + impl).c_str(),
+                                 [get, impl](benchmark::State& s) { construct(s, impl, get()); })
+        ->Unit(benchmark::kMillisecond)
+        ->UseManualTime();
   benchmark::RegisterBenchmark((base + "read_bytes").c_str(),
                                [get](benchmark::State& s) { readBytes(s, get()); })
       ->Unit(benchmark::kMillisecond)
@@ -257,8 +218,8 @@ void registerSource(const std::string& key, const std::string& lang, std::size_t
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 5 && std::string(argv[1]) == "--rss-child")
-    return rssChild(argv[2], argv[3], argv[4]);
+  if (argc == 5 && std::string(argv[1]) == "--child")
+    return constructChild(argv[2], argv[3], argv[4]);
   registerSource("default_enu", "enu", 0, false);
   registerSource("default_frf", "frf", 0, false);
   for (const std::size_t count : {100000, 400000, 1000000}) {
