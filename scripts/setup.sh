@@ -11,7 +11,8 @@ packages=(
   clang clang-format clang-tidy libclang-rt-14-dev
   python3 wordnet-base wamerican locales
 )
-# The lemma data's npm inputs need npm; keep a Node.js that is already there.
+# Only rebuilding the lemma data (data/regenerate.sh) needs npm; keep a
+# Node.js that is already there.
 command -v npm >/dev/null 2>&1 || packages+=(nodejs npm)
 
 if [ "$(id -u)" -ne 0 ]; then

@@ -40,6 +40,7 @@ import re
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import evidence  # noqa: E402
 import lemmacommon  # noqa: E402
 
 POS_FILES = (("n", "noun"), ("v", "verb"), ("a", "adj"), ("r", "adv"))
@@ -84,6 +85,23 @@ FUNCTION_WORDS = {
 }
 
 
+# The pieces above that only a cut at apostrophes produces: the evidence
+# (whole tokens) never sees them as such ("m" there is "million"), so the
+# table keeps the last word on them.
+CONTRACTION_PIECES = {
+    "s", "m", "re", "ve", "ll", "d", "t", "ca", "wo", "ai", "ain", "don",
+    "doesn", "didn", "isn", "aren", "wasn", "weren", "hasn", "haven", "hadn",
+    "couldn", "wouldn", "shouldn", "mustn", "needn", "mightn",
+}
+
+# Contraction tokens as a tokenizer cuts them ("do" + "n't", "I" + "'m"),
+# beside the pieces above that a sentence cut at apostrophes gives. "'s" is
+# left to the evidence: possessive or "is"/"has".
+CONTRACTIONS = {
+    "n't": "not", "'m": "be", "'re": "be", "'ve": "have", "'ll": "will",
+    "'d": "would",
+}
+
 NOUN_TAGS = {"NN", "NNS", "NNP", "NNPS"}
 
 # Capitalised words that are names even though the lower-case word is common.
@@ -105,6 +123,8 @@ def parse_args(argv):
                    help="word list, one word a line (wamerican)")
     p.add_argument("--wink", required=True,
                    help="wink-lexicon package directory")
+    p.add_argument("--evidence", nargs="+", required=True, metavar="CONLLU",
+                   help="evidence treebank (UD English EWT train)")
     p.add_argument("-o", "--output", required=True, help="output file")
     return p.parse_args(argv)
 
@@ -260,7 +280,7 @@ def lemma_of(form, morphy, wink):
     return best
 
 
-def build(wn_dir, words_path, wink_dir):
+def build(wn_dir, words_path, wink_dir, treebanks):
     index, exc, counts = read_wordnet(wn_dir)
     wink = read_wink(wink_dir)
     words = read_words(words_path)
@@ -308,6 +328,12 @@ def build(wn_dir, words_path, wink_dir):
     # variant: WordNet also lists names in lower case ("hamas").
     common = {f: l for f, l in lower.items() if f in words or f in wink}
     lemmacommon.add_capitalised(mapping, common, attested)
+    evidence.apply_attested(mapping, evidence.read_conllu(treebanks))
+    for piece in sorted(CONTRACTION_PIECES):
+        mapping[piece] = FUNCTION_WORDS[piece]
+    for token in sorted(CONTRACTIONS):
+        mapping[token] = mapping[token.upper()] = CONTRACTIONS[token]
+    evidence.add_typographic_apostrophes(mapping)
     return mapping
 
 
@@ -316,7 +342,7 @@ def main(argv):
     lemmacommon.require_dir(args.wordnet, "WordNet directory")
     lemmacommon.require_file(args.words, "word list")
     lemmacommon.require_dir(args.wink, "wink-lexicon directory")
-    mapping = build(args.wordnet, args.words, args.wink)
+    mapping = build(args.wordnet, args.words, args.wink, args.evidence)
     n = lemmacommon.write_pairs(args.output, mapping)
     sys.stderr.write("wrote %d pairs to %s\n" % (n, args.output))
     return 0

@@ -43,6 +43,7 @@ import os
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import evidence  # noqa: E402
 import lemmacommon  # noqa: E402
 
 # Earlier categories win: function words, then forms of the most frequent
@@ -107,6 +108,11 @@ HYPHEN_CLITICS = {
     "-t-il": "lui", "-t-elle": "lui", "-t-on": "on",
 }
 
+# Elided pieces: as tokens they keep their apostrophe ("l'", "qu'"), as the
+# pieces of a sentence cut at apostrophes they come without it ("l", "qu").
+ELIDED = {"l", "d", "j", "m", "t", "s", "n", "c", "qu", "jusqu", "lorsqu",
+          "puisqu", "quoiqu"}
+
 # Elided clitics whose capitalised form is more often a symbol or an
 # initial ("M", "T") than a sentence-initial "M'" or "T'".
 NO_CAPITAL = {"m", "t"}
@@ -129,6 +135,17 @@ SKIP_CATEGORIES = {
 }
 
 
+def rare_verb_form(feats):
+    """Forms that written French has all but given up outside the most
+    frequent verbs: the imperfect subjunctive but for its third person
+    singular, and the simple past of the first and second persons
+    ("aimassions", "aimâtes")."""
+    tense, persons = feats[:1], feats[1:]
+    if tense == "T":
+        return persons != "3s"
+    return tense == "J" and not persons.startswith("3")
+
+
 VOWELS = set("aeiouyàâäéèêëîïôöùûüÿæœ")
 
 
@@ -136,6 +153,8 @@ def parse_args(argv):
     p = argparse.ArgumentParser(
         description="Build the French lemma file from the Lefff (.mlex).")
     p.add_argument("--lefff", required=True, help="path to lefff-3.4.mlex")
+    p.add_argument("--evidence", nargs="+", required=True, metavar="CONLLU",
+                   help="evidence treebanks (UD French Sequoia train and dev)")
     p.add_argument("-o", "--output", required=True, help="output file")
     return p.parse_args(argv)
 
@@ -196,6 +215,8 @@ def read_lefff(path):
                     cat = "vK"
             key = key_of(form)
             if key is None:
+                continue
+            if cat == "v" and lemma not in FREQUENT_VERBS and rare_verb_form(feats):
                 continue
             if key[0].isupper():
                 attested.add(key)
@@ -286,8 +307,9 @@ def spelling_variants(form):
     return variants
 
 
-def build(lefff_path):
+def build(lefff_path, treebanks):
     candidates, attested, citation = read_lefff(lefff_path)
+    readings = evidence.read_conllu(treebanks)
     lemmas = {}
     for form in sorted(candidates, key=lemmacommon.utf16_key):
         lemmas[form] = choose(form, candidates[form], citation)
@@ -301,6 +323,13 @@ def build(lefff_path):
             if v not in lemmas and v not in variants:
                 variants[v] = lemmas[form]
     lemmas.update(variants)
+    # The evidence settles what the lexicon leaves open; the closed-class
+    # tables below keep the last word, since a bare "l" or "C" in the
+    # evidence is an abbreviation while the piece of a cut sentence is an
+    # elision.
+    evidence.apply_attested(lemmas, readings)
+    for form in sorted(FUNCTION_WORDS):
+        lemmas[form] = FUNCTION_WORDS[form]
     lower = {f: l for f, l in lemmas.items() if f[0].islower()}
     # A capitalised closed-class word ("Vers", "Aucun") is that word at the
     # start of a sentence even when the Lefff also lists it as a name.
@@ -313,18 +342,30 @@ def build(lefff_path):
     for form in sorted(FUNCTION_WORDS):
         cap = lemmacommon.upper_first(form)
         mapping[cap] = cap if form in NO_CAPITAL else FUNCTION_WORDS[form]
+    for piece in sorted(ELIDED):
+        for token in (piece, lemmacommon.upper_first(piece), piece.upper()):
+            mapping[token + "'"] = FUNCTION_WORDS[piece]
     for form in sorted(CAPITAL_WORDS):
         mapping[form] = CAPITAL_WORDS[form]
     for form in sorted(HYPHEN_CLITICS):
         mapping[form] = HYPHEN_CLITICS[form]
-    lemmacommon.add_capitalised(mapping, lower, attested)
+    # Capitalised variants only where they earn their place: closed-class
+    # words and adverbs, and words the evidence shows (sentence-initial and
+    # title words are mostly those); the other capitalised forms are rare
+    # enough that they would double the file for a few hits.
+    seen = evidence.frequent_forms(readings)
+    wanted = {f: l for f, l in lower.items()
+              if f in seen or any(c[0] < closed_rank or c[0] == CATEGORY_RANK["adv"]
+                                         for c in candidates.get(f, ()))}
+    lemmacommon.add_capitalised(mapping, wanted, attested)
+    evidence.add_typographic_apostrophes(mapping)
     return mapping
 
 
 def main(argv):
     args = parse_args(argv)
     lemmacommon.require_file(args.lefff, "Lefff lexicon")
-    mapping = build(args.lefff)
+    mapping = build(args.lefff, args.evidence)
     n = lemmacommon.write_pairs(args.output, mapping)
     sys.stderr.write("wrote %d pairs to %s\n" % (n, args.output))
     return 0

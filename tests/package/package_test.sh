@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # Installs the build tree into a temporary prefix, then builds and runs a small
 # consumer against it, once through the CMake package and once through pkg-config.
-# Usage: package_test.sh BUILD_DIR CONSUMER_SOURCE_DIR
+# Also holds the installed lemma files to the repository's checksums.
+# Usage: package_test.sh BUILD_DIR CONSUMER_SOURCE_DIR [LEMMA_SHA256SUMS]
 set -euo pipefail
 build=$1
 consumer=$2
+sums=${3:+$(realpath "$3")}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix="$work/prefix with space"
@@ -15,6 +17,15 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 mkdir -p "$work/data/share/dialog/lemmatizer/enu"
 printf 'went\ngo\nchildren\nchild\n' >"$work/data/share/dialog/lemmatizer/enu/lemma"
 export KU_PREFIX_PATH="$work/data" XDG_DATA_HOME="$work/none" LC_ALL=C.UTF-8
+
+if [ -n "$sums" ]; then
+  echo "-- installed lemma files"
+  (cd "$prefix/share/dialog/lemmatizer" && sha256sum --quiet -c "$sums")
+  for code in enu frf; do
+    grep -q LICENSE <(ls "$prefix/share/dialog/lemmatizer/$code") ||
+      { echo "no licence beside the $code lemma file"; exit 1; }
+  done
+fi
 
 echo "-- CMake package"
 cmake -S "$consumer" -B "$work/cmake-build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
