@@ -83,5 +83,10 @@ done
 echo
 python3 bench/bench_table.py "$results"/construction.json "$results"/stemword.json \
   "$results"/sentence.json "$results"/stream.json "$results"/japanese.json
+if compgen -G "$build/python/dialog_stemmer*.so" >/dev/null; then
+  echo
+  PYTHONPATH="$build/python" /usr/bin/python3 bench/python_bench.py "$build" \
+    --repetitions "$([ "$quick" = 1 ] && echo 2 || echo 7)"
+fi
 echo "$(nproc) cores, $(grep -m1 'model name' /proc/cpuinfo | sed 's/.*: //'), commit $(git rev-parse --short HEAD 2>/dev/null || echo '?')"
 echo "raw results: $results/"

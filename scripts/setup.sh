@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang clang-format clang-tidy libclang-rt-14-dev
   python3 wordnet-base wamerican locales
+  pybind11-dev python3-dev python3-pytest python3-dask python3-distributed
 )
 # Only rebuilding the lemma data (data/regenerate.sh) needs npm; keep a
 # Node.js that is already there.
