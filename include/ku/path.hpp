@@ -2,6 +2,7 @@
 #define KU_PATH_HPP
 
 #include <string>
+#include <vector>
 
 #include "ku/export.hpp"
 
@@ -21,6 +22,12 @@ namespace ku::path {
 // empty. Never throws.
 KU_EXPORT std::string findData(const std::string& package, const std::string& relativePath,
                                bool excludeUserWritablePath = false);
+
+// The places findData tries, in its order, whether they exist or not; empty
+// when package or relativePath is empty. Never throws but for memory.
+KU_EXPORT std::vector<std::string> dataCandidates(const std::string& package,
+                                                  const std::string& relativePath,
+                                                  bool excludeUserWritablePath = false);
 
 }  // namespace ku::path
 

@@ -55,9 +55,10 @@ bool exists(const std::string& candidate) {
 
 }  // namespace
 
-std::string findData(const std::string& package, const std::string& relativePath,
-                     bool excludeUserWritablePath) {
-  if (package.empty() || relativePath.empty()) return "";
+std::vector<std::string> dataCandidates(const std::string& package, const std::string& relativePath,
+                                        bool excludeUserWritablePath) {
+  std::vector<std::string> candidates;
+  if (package.empty() || relativePath.empty()) return candidates;
   const std::string inPackage = package + "/" + relativePath;
   const std::string inShare = "share/" + inPackage;
 
@@ -66,10 +67,7 @@ std::string findData(const std::string& package, const std::string& relativePath
   while (start <= prefixes.size()) {
     std::string::size_type end = prefixes.find(':', start);
     if (end == std::string::npos) end = prefixes.size();
-    if (end > start) {
-      const std::string candidate = join(prefixes.substr(start, end - start), inShare);
-      if (exists(candidate)) return candidate;
-    }
+    if (end > start) candidates.push_back(join(prefixes.substr(start, end - start), inShare));
     start = end + 1;
   }
 
@@ -79,16 +77,18 @@ std::string findData(const std::string& package, const std::string& relativePath
       const std::string home = environment("HOME");
       if (!home.empty()) userData = join(home, ".local/share");
     }
-    if (!userData.empty()) {
-      const std::string candidate = join(userData, inPackage);
-      if (exists(candidate)) return candidate;
-    }
+    if (!userData.empty()) candidates.push_back(join(userData, inPackage));
   }
 
-  if (!installPrefix().empty()) {
-    const std::string candidate = join(installPrefix(), inShare);
+  if (!installPrefix().empty()) candidates.push_back(join(installPrefix(), inShare));
+  return candidates;
+}
+
+std::string findData(const std::string& package, const std::string& relativePath,
+                     bool excludeUserWritablePath) {
+  for (const std::string& candidate :
+       dataCandidates(package, relativePath, excludeUserWritablePath))
     if (exists(candidate)) return candidate;
-  }
   return "";
 }
 

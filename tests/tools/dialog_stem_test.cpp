@@ -77,6 +77,9 @@ TEST_F(DialogStem, JapaneseTrailStaysOffStandardOutput) {
 TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
   const std::vector<std::vector<std::string>> cases = {
       {"--lang", "xx"},
+      {"--format", "xml"},
+      {"--jobs", "-1"},
+      {"--check", "--words"},
       {"--bogus"},
       {"--lang"},
       {"--stream", "nosuch"},
@@ -93,14 +96,102 @@ TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
   }
 }
 
-TEST_F(DialogStem, HelpAndVersion) {
-  Outcome r = run({"--help"});
+TEST_F(DialogStem, HelpNamesEveryOption) {
+  const Outcome r = run({"--help"});
   EXPECT_EQ(r.status, 0);
-  EXPECT_NE(r.out.find("--lang"), std::string::npos);
-  EXPECT_NE(r.out.find("--stream"), std::string::npos);
-  r = run({"--version"});
+  for (const char* option : {"--lang", "--words", "--format", "--jobs", "--check", "--stream"})
+    EXPECT_NE(r.out.find(option), std::string::npos) << option;
+  EXPECT_EQ(run({"--version"}).out.rfind("dialog-stem ", 0), 0u);
+}
+
+TEST_F(DialogStem, Formats) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string input, out;
+  };
+  const std::vector<Case> cases = {
+      {{"--format", "tsv"}, "children went\n\n'\n", "child\tgo\n\n\t\n"},
+      {{"--format", "tsv", "--words"}, "went\na\tb\\\n", "go\na\\tb\\\\\n"},
+      {{"--format", "jsonl"}, "don't \"x\"\n\n", "[\"do\",\"not\",\"\\\"x\\\"\"]\n[\"\"]\n"},
+      {{"--format", "jsonl", "--words"}, "went\n", "[\"go\"]\n"},
+      // Token paths pass bytes through: invalid UTF-8 becomes U+FFFD, controls \u escapes.
+      {{"--format", "jsonl", "--words"}, "a\xFF\x01\n", "[\"a\xEF\xBF\xBD\\u0001\"]\n"},
+      {{"--format", "jsonl", "--lang", "jpj"},
+       "\xE7\x8C\xAB \xC3\n",
+       "[\"\xE7\x8C\xAB \xEF\xBF\xBD\"]\n"},
+      {{"--format", "lines", "--words"}, "went\n", "go\n"},
+  };
+  for (const Case& c : cases) {
+    const Outcome r = run(c.args, c.input);
+    EXPECT_EQ(r.out, c.out) << c.args[1] << " " << c.input;
+    EXPECT_EQ(r.status, 0);
+  }
+}
+
+TEST_F(DialogStem, JobsGiveTheSameBytes) {
+  std::string input;
+  for (int i = 0; i < 30000; ++i)
+    input += std::to_string(i) + (i % 3 ? " children went don't\n" : " l'\xFF\n");
+  const std::string one = run({"--format", "jsonl"}, input).out;
+  EXPECT_EQ(std::count(one.begin(), one.end(), '\n'), 30000);
+  for (const char* jobs : {"2", "3", "0"})
+    EXPECT_EQ(run({"--format", "jsonl", "--jobs", jobs}, input).out, one) << jobs;
+  EXPECT_EQ(run({"--words", "--jobs", "2"}, input).out, run({"--words"}, input).out);
+}
+
+TEST_F(DialogStem, FailedWritesEndWithStatusOne) {
+  // /dev/full fails every write; endless input must not keep the tool going.
+  for (const char* args : {"", "--words", "--format jsonl --jobs 2", "--stream english"}) {
+    const std::string command = "yes went | timeout 60 " + quote(DIALOG_STEM_PATH) + " " + args +
+                                " >/dev/full 2>" + scratch_.path() + "/err";
+    const int raw = std::system(command.c_str());
+    EXPECT_EQ(WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, 1) << args;
+    const std::string err = dialog_test::readFile(scratch_.path() + "/err");
+    EXPECT_EQ(err, "dialog-stem: cannot write standard output: No space left on device\n") << args;
+  }
+}
+
+TEST_F(DialogStem, CheckTellsWhereDataIs) {
+  Outcome r = run({"--check"});
   EXPECT_EQ(r.status, 0);
-  EXPECT_EQ(r.out.rfind("dialog-stem ", 0), 0u);
+  EXPECT_NE(r.out.find("found   " + data_.path() + "/share/dialog/lemmatizer/enu/lemma"),
+            std::string::npos)
+      << r.out;
+  EXPECT_NE(r.out.find(": 4 pairs"), std::string::npos) << r.out;
+  r = run({"--check", "--lang", "jpj"});  // no dictionary under the test's data root
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find("dictionary directory: not found"), std::string::npos) << r.out;
+  const dialog_test::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
+  r = run({"--check", "--lang", "frf"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find("missing " + scratch_.path() + "/share/dialog/lemmatizer/frf/lemma"),
+            std::string::npos)
+      << r.out;
+}
+
+TEST_F(DialogStem, OneLinePerSentenceOnTreebankText) {
+  // Every sentence of the UD development sets, whatever its characters, gives
+  // one line of tsv and one valid JSON array.
+  std::string text;
+  for (const char* name : {"en_ewt-ud-dev.conllu", "fr_gsd-ud-dev.conllu"}) {
+    const std::string conllu = dialog_test::readFile(std::string(DIALOG_UD_DIR) + "/" + name);
+    for (std::size_t at = 0; (at = conllu.find("# text = ", at)) != std::string::npos;) {
+      const std::size_t end = conllu.find('\n', at);
+      text += conllu.substr(at + 9, end - at - 9) + "\n";
+      at = end;
+    }
+  }
+  if (text.empty()) GTEST_SKIP() << "no UD development sets in " << DIALOG_UD_DIR;
+  const auto lines = std::count(text.begin(), text.end(), '\n');
+  const std::string tsv = run({"--format", "tsv", "--lang", "frf", "--jobs", "2"}, text).out;
+  EXPECT_EQ(std::count(tsv.begin(), tsv.end(), '\n'), lines);
+  const std::string json = scratch_.write("json", run({"--format", "jsonl"}, text).out);
+  const std::string check =
+      "/usr/bin/python3 -c 'import json,sys\n"
+      "n=sum(isinstance(json.loads(l),list) for l in open(sys.argv[1]))\n"
+      "sys.exit(0 if n==" +
+      std::to_string(lines) + " else 1)' " + json;
+  EXPECT_EQ(std::system(check.c_str()), 0);
 }
 
 }  // namespace

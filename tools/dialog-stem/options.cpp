@@ -1,7 +1,9 @@
 #include "options.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 #include <QCommandLineParser>
 
@@ -16,10 +18,12 @@ namespace {
 
 Options parseOptions(const QStringList& arguments) {
   QCommandLineParser parser;
-  parser.setApplicationDescription(
-      QStringLiteral("Prints the normal forms of sentences or words, one per line; an empty "
-                     "line follows each sentence. Without SENTENCE arguments, reads standard "
-                     "input line by line."));
+  parser.setApplicationDescription(QStringLiteral(
+      "Prints the normal forms of sentences or words. Without SENTENCE arguments, reads "
+      "standard input line by line.\n"
+      "Exit status: 0 success; 1 failed write or read, memory exhausted, or --check found "
+      "no data; 2 bad usage. A closed output pipe ends the program quietly.\n"
+      "Data: see --check, and the manual page dialog-stem(1)."));
   const QCommandLineOption helpOption = parser.addHelpOption();
   const QCommandLineOption versionOption = parser.addVersionOption();
   const QCommandLineOption langOption(QStringLiteral("lang"),
@@ -32,7 +36,23 @@ Options parseOptions(const QStringList& arguments) {
       QStringLiteral("Stem the lines of standard input with this Snowball algorithm "
                      "(e.g. english) and print the stems joined."),
       QStringLiteral("algorithm"));
-  parser.addOptions({langOption, wordsOption, streamOption});
+  const QCommandLineOption formatOption(
+      QStringLiteral("format"),
+      QStringLiteral("Output: lines (default; one element a line, an empty line after each "
+                     "sentence), tsv (one line per input line, tab-separated; tab, newline "
+                     "and backslash written \\t \\n \\\\) or jsonl (one JSON array of "
+                     "strings per input line; bytes that are not UTF-8 become U+FFFD)."),
+      QStringLiteral("format"), QStringLiteral("lines"));
+  const QCommandLineOption jobsOption(
+      QStringLiteral("jobs"),
+      QStringLiteral("Threads sharing one stemmer (0: one per core; default 1). Output order "
+                     "and bytes do not change. Japanese (jpj) runs on one thread."),
+      QStringLiteral("N"), QStringLiteral("1"));
+  const QCommandLineOption checkOption(
+      QStringLiteral("check"),
+      QStringLiteral("Print where the language's data is looked for and found, and how many "
+                     "pairs its lemma file holds; exit 1 when it is missing."));
+  parser.addOptions({langOption, wordsOption, formatOption, jobsOption, checkOption, streamOption});
   parser.addPositionalArgument(QStringLiteral("SENTENCE"),
                                QStringLiteral("Sentences (or words) to stem."),
                                QStringLiteral("[SENTENCE...]"));
@@ -53,13 +73,33 @@ Options parseOptions(const QStringList& arguments) {
     usageError(QStringLiteral("unknown language '%1': expected enu, frf or jpj")
                    .arg(parser.value(langOption)));
   options.words = parser.isSet(wordsOption);
+  const QString format = parser.value(formatOption);
+  if (format == QLatin1String("lines"))
+    options.format = Format::Lines;
+  else if (format == QLatin1String("tsv"))
+    options.format = Format::Tsv;
+  else if (format == QLatin1String("jsonl"))
+    options.format = Format::Jsonl;
+  else
+    usageError(QStringLiteral("unknown format '%1': expected lines, tsv or jsonl").arg(format));
+  bool number = false;
+  const uint jobs = parser.value(jobsOption).toUInt(&number);
+  if (!number || jobs > 1024)
+    usageError(QStringLiteral("--jobs needs a number from 0 to 1024, not '%1'")
+                   .arg(parser.value(jobsOption)));
+  options.jobs = jobs != 0 ? jobs : std::max(1u, std::thread::hardware_concurrency());
+  options.check = parser.isSet(checkOption);
+  if (options.check && (parser.isSet(wordsOption) || parser.isSet(formatOption) ||
+                        parser.isSet(jobsOption) || !parser.positionalArguments().isEmpty()))
+    usageError(QStringLiteral("--check takes no other option but --lang"));
   for (const QString& input : parser.positionalArguments())
     options.inputs.push_back(input.toStdString());
 
   if (parser.isSet(streamOption)) {
     options.streamAlgorithm = parser.value(streamOption).toStdString();
     if (options.streamAlgorithm.empty()) usageError(QStringLiteral("--stream needs an algorithm"));
-    if (parser.isSet(langOption) || options.words || !options.inputs.empty())
+    if (parser.isSet(langOption) || options.words || !options.inputs.empty() ||
+        parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check)
       usageError(QStringLiteral("--stream reads standard input only and takes no other option"));
   }
   return options;

@@ -6,10 +6,15 @@
 
 #include <QStringList>
 
+enum class Format { Lines, Tsv, Jsonl };
+
 // What the command line asks for.
 struct Options {
   std::string language = "enu";
   bool words = false;
+  Format format = Format::Lines;
+  unsigned jobs = 1;  // threads sharing the stemmer; at least 1
+  bool check = false;
   std::string streamAlgorithm;  // non-empty: --stream mode
   std::vector<std::string> inputs;
 };

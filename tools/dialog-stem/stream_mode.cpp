@@ -5,6 +5,7 @@
 
 #include <libstemmer.h>
 
+#include "run.hpp"
 #include "stemmer/stemmer.hpp"
 
 namespace {
@@ -22,7 +23,7 @@ void stemBlock(sb_stemmer* stemmer, std::string& block) {
   ZQ::Dialog::stem_stream(stemmer, in, out);
   std::fclose(in);
   const QByteArray bytes = out.toUtf8();
-  std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+  writeOut(bytes.constData(), static_cast<size_t>(bytes.size()));
   block.clear();
 }
 
@@ -41,8 +42,16 @@ int runStreamMode(const std::string& algorithm) {
     block.push_back(static_cast<char>(c));
     if (c == '\n' && block.size() >= kBlockBytes) stemBlock(stemmer, block);
   }
+  if (std::ferror(stdin)) {
+    std::perror("dialog-stem: cannot read standard input");
+    return 1;
+  }
   stemBlock(stemmer, block);
-  std::putchar('\n');
+  writeOut("\n", 1);
   sb_stemmer_delete(stemmer);
+  if (std::fflush(stdout) != 0) {
+    std::perror("dialog-stem: cannot write standard output");
+    return 1;
+  }
   return 0;
 }

@@ -1,0 +1,36 @@
+#include "check.hpp"
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "ku/path.hpp"
+#include "stdout_to_stderr.hpp"
+#include "stemmer/stemmer.hpp"
+#include "stemmer/stemmer_p.hpp"
+
+int runCheck(const std::string& language) {
+  const bool japanese = language == "jpj";
+  const std::string relative = japanese ? "data/ipadic/" : "lemmatizer/" + language + "/lemma";
+  const std::string found = ku::path::findData("dialog", relative, false);
+  std::printf("data \"%s\" of package \"dialog\", looked for in this order:\n", relative.c_str());
+  for (const std::string& candidate : ku::path::dataCandidates("dialog", relative, false))
+    std::printf("  %s %s\n", candidate == found ? "found  " : "missing", candidate.c_str());
+  if (found.empty()) {
+    std::printf("%s: not found\n", japanese ? "dictionary directory" : "lemma file");
+    return 1;
+  }
+  if (japanese) {
+    bool opens;
+    {
+      const StdoutToStderr trail;  // the segmenter reports its progress on stdout
+      opens = ZQ::Dialog::Stemmer(language).impl->tagger != nullptr;
+    }
+    std::printf("dictionary directory %s: %s\n", found.c_str(),
+                opens ? "opens" : "does not open (see the trail above)");
+    return opens ? 0 : 1;
+  }
+  const ZQ::Dialog::Stemmer stemmer(language);
+  std::printf("lemma file %s: %zu pairs\n", found.c_str(), stemmer.impl->lemDic.size());
+  return 0;
+}
