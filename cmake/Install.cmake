@@ -4,18 +4,22 @@ include(CMakePackageConfigHelpers)
 
 set(DIALOG_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/DialogStemmer")
 
+# Components, one package each (cmake/Packaging.cmake): runtime (the shared
+# libraries), development (headers, CMake and pkg-config files, the .so links),
+# tool, data-enu, data-frf, data-jpj and python.
 install(TARGETS ku dialog-stemmer
   EXPORT DialogStemmerTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES include/stemmer/stemmer.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/stemmer)
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+install(FILES include/stemmer/stemmer.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/stemmer
+  COMPONENT development)
 install(FILES include/ku/export.hpp include/ku/path.hpp include/ku/log.hpp
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ku)
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ku COMPONENT development)
 
 install(EXPORT DialogStemmerTargets
   NAMESPACE DialogStemmer::
-  DESTINATION ${DIALOG_CMAKE_DIR})
+  DESTINATION ${DIALOG_CMAKE_DIR} COMPONENT development)
 configure_package_config_file(cmake/DialogStemmerConfig.cmake.in
   "${PROJECT_BINARY_DIR}/DialogStemmerConfig.cmake"
   INSTALL_DESTINATION ${DIALOG_CMAKE_DIR})
@@ -26,11 +30,26 @@ install(FILES
   "${PROJECT_BINARY_DIR}/DialogStemmerConfigVersion.cmake"
   cmake/FindLibStemmer.cmake
   cmake/FindMeCab.cmake
-  DESTINATION ${DIALOG_CMAKE_DIR})
+  DESTINATION ${DIALOG_CMAKE_DIR} COMPONENT development)
 
-# pkg-config spells the prefix relative to the .pc file so that the installed
-# tree may be moved.
+# pkg-config spells the prefix relative to the .pc file, so that the installed
+# tree may be moved: one ".." per folder of the library folder (lib, or
+# lib/x86_64-linux-gnu) plus one for pkgconfig. Absolute folders stay absolute.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(DIALOG_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+  set(DIALOG_PC_LIBDIR "${CMAKE_INSTALL_LIBDIR}")
+else()
+  string(REGEX REPLACE "[^/]+" ".." up "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+  set(DIALOG_PC_PREFIX "\${pcfiledir}/${up}")
+  set(DIALOG_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+endif()
+if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+  set(DIALOG_PC_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+else()
+  set(DIALOG_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
 configure_file(cmake/dialog-stemmer.pc.in "${PROJECT_BINARY_DIR}/dialog-stemmer.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/dialog-stemmer.pc"
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 include(cmake/InstallDictionary.cmake)
+include(cmake/Packaging.cmake)
