@@ -5,6 +5,7 @@
 #include <libstemmer.h>
 
 #include "stemmer/stemmer.hpp"
+#include "stemmer/stream_buffer.hpp"
 
 namespace ZQ::Dialog {
 namespace {
@@ -27,7 +28,7 @@ void appendUtf8(QString& out, const char* text) {
 
 void stem_stream(sb_stemmer* stemmer, FILE* in, QString& out) {
   // One buffer for the whole stream, grown 10 bytes at a time and never shrunk.
-  int capacity = 10;
+  int capacity = detail::kStreamGrowth;
   auto* buffer = static_cast<sb_symbol*>(std::malloc(capacity));
   // Locked once for the whole read instead of once per byte.
   flockfile(in);
@@ -35,15 +36,12 @@ void stem_stream(sb_stemmer* stemmer, FILE* in, QString& out) {
   while (c != EOF) {
     int length = 0;
     while (c != EOF && c != '\n') {
-      if (length == capacity) {
-        capacity += 10;
-        auto* grown = static_cast<sb_symbol*>(std::realloc(buffer, capacity));
-        if (!grown) {
-          std::free(buffer);
-          funlockfile(in);
-          return;
-        }
-        buffer = grown;
+      // A line whose length no longer fits in an int fails like a failed
+      // allocation: the buffer is freed and nothing more is appended.
+      if (length == capacity && !detail::growStreamBuffer(buffer, capacity)) {
+        std::free(buffer);
+        funlockfile(in);
+        return;
       }
       // Per byte, in the process's locale: bytes of multibyte characters are
       // left alone in the "C" and UTF-8 locales.

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include <libstemmer.h>
 
 #include "stemmer/stemmer.hpp"
+#include "stemmer/stream_buffer.hpp"
 
 namespace {
 
@@ -55,6 +58,20 @@ TEST(StemStream, VeryLongLineAndOtherEncodings) {
   // Stems are always decoded as UTF-8: Latin-1 bytes become U+FFFD.
   const QString latin = stemStream("\xE9t\xE9s\n", QString(), "french", "ISO_8859_1");
   EXPECT_TRUE(latin.contains(QChar(0xFFFD)));
+}
+
+TEST(StemStream, GrowthStopsBeforeTheCapacityWraps) {
+  using ZQ::Dialog::detail::growStreamBuffer;
+  int capacity = 10;
+  auto* buffer = static_cast<sb_symbol*>(std::malloc(capacity));
+  EXPECT_TRUE(growStreamBuffer(buffer, capacity, 30));
+  EXPECT_TRUE(growStreamBuffer(buffer, capacity, 30));
+  EXPECT_EQ(capacity, 30);
+  EXPECT_FALSE(growStreamBuffer(buffer, capacity, 30));  // 40 would pass the limit
+  EXPECT_EQ(capacity, 30);                               // and nothing changed
+  capacity = INT_MAX - 7;                                // where 2147483640 + 10 used to wrap
+  EXPECT_FALSE(growStreamBuffer(buffer, capacity));
+  std::free(buffer);
 }
 
 }  // namespace
