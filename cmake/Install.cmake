@@ -12,7 +12,7 @@ install(TARGETS ku dialog-stemmer
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
-install(FILES include/stemmer/stemmer.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/stemmer
+install(FILES include/stemmer/stemmer.hpp include/stemmer/export.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/stemmer
   COMPONENT development)
 install(FILES include/ku/export.hpp include/ku/path.hpp include/ku/log.hpp
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ku COMPONENT development)

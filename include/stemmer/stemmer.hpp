@@ -9,16 +9,7 @@
 #include <QString>
 #include <boost/tokenizer.hpp>
 
-// Marks the stemming library's exported classes, functions and data.
-#if defined(_WIN32)
-#if defined(DIALOG_STEMMER_BUILDING)
-#define DIALOG_STEMMER_EXPORT __declspec(dllexport)
-#else
-#define DIALOG_STEMMER_EXPORT __declspec(dllimport)
-#endif
-#else
-#define DIALOG_STEMMER_EXPORT __attribute__((visibility("default")))
-#endif
+#include "stemmer/export.hpp"
 
 struct sb_stemmer;
 
