@@ -34,7 +34,11 @@ int main(int argc, char** argv) {
   try {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("dialog-stem"));
-    return run(parseOptions(QCoreApplication::arguments()));
+    const ParseResult parsed = parseOptions(QCoreApplication::arguments());
+    std::fputs(parsed.output.c_str(), stdout);
+    std::fputs(parsed.error.c_str(), stderr);
+    if (parsed.exitStatus >= 0) return parsed.exitStatus;
+    return run(parsed.options);
   } catch (const std::bad_alloc&) {
     std::fputs("dialog-stem: memory exhausted\n", stderr);
     return 1;

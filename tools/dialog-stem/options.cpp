@@ -1,22 +1,33 @@
 #include "options.hpp"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include <string>
 #include <thread>
 
 #include <QCommandLineParser>
 
 namespace {
 
-[[noreturn]] void usageError(const QString& message) {
-  std::fprintf(stderr, "dialog-stem: %s (see --help)\n", message.toLocal8Bit().constData());
-  std::exit(2);
+ParseResult usageError(const QString& message) {
+  ParseResult result;
+  result.exitStatus = 2;
+  // One line whatever the arguments held.
+  QString line = message;
+  line.replace(QLatin1Char('\n'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
+  result.error = "dialog-stem: " + line.toStdString() + " (see --help)\n";
+  return result;
+}
+
+ParseResult exitWith(std::string output) {
+  ParseResult result;
+  result.exitStatus = 0;
+  result.output = std::move(output);
+  return result;
 }
 
 }  // namespace
 
-Options parseOptions(const QStringList& arguments) {
+ParseResult parseOptions(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral(
       "Prints the normal forms of sentences or words. Without SENTENCE arguments, reads "
@@ -57,21 +68,17 @@ Options parseOptions(const QStringList& arguments) {
                                QStringLiteral("Sentences (or words) to stem."),
                                QStringLiteral("[SENTENCE...]"));
 
-  if (!parser.parse(arguments)) usageError(parser.errorText());
-  if (parser.isSet(helpOption)) {
-    std::fputs(parser.helpText().toLocal8Bit().constData(), stdout);
-    std::exit(0);
-  }
-  if (parser.isSet(versionOption)) {
-    std::printf("dialog-stem %s\n", DIALOG_VERSION);
-    std::exit(0);
-  }
+  if (!parser.parse(arguments)) return usageError(parser.errorText());
+  if (parser.isSet(helpOption)) return exitWith(parser.helpText().toStdString());
+  if (parser.isSet(versionOption))
+    return exitWith(std::string("dialog-stem ") + DIALOG_VERSION + "\n");
 
-  Options options;
+  ParseResult result;
+  Options& options = result.options;
   options.language = parser.value(langOption).toStdString();
   if (options.language != "enu" && options.language != "frf" && options.language != "jpj")
-    usageError(QStringLiteral("unknown language '%1': expected enu, frf or jpj")
-                   .arg(parser.value(langOption)));
+    return usageError(QStringLiteral("unknown language '%1': expected enu, frf or jpj")
+                          .arg(parser.value(langOption)));
   options.words = parser.isSet(wordsOption);
   const QString format = parser.value(formatOption);
   if (format == QLatin1String("lines"))
@@ -81,26 +88,29 @@ Options parseOptions(const QStringList& arguments) {
   else if (format == QLatin1String("jsonl"))
     options.format = Format::Jsonl;
   else
-    usageError(QStringLiteral("unknown format '%1': expected lines, tsv or jsonl").arg(format));
+    return usageError(
+        QStringLiteral("unknown format '%1': expected lines, tsv or jsonl").arg(format));
   bool number = false;
   const uint jobs = parser.value(jobsOption).toUInt(&number);
   if (!number || jobs > 1024)
-    usageError(QStringLiteral("--jobs needs a number from 0 to 1024, not '%1'")
-                   .arg(parser.value(jobsOption)));
+    return usageError(QStringLiteral("--jobs needs a number from 0 to 1024, not '%1'")
+                          .arg(parser.value(jobsOption)));
   options.jobs = jobs != 0 ? jobs : std::max(1u, std::thread::hardware_concurrency());
   options.check = parser.isSet(checkOption);
   if (options.check && (parser.isSet(wordsOption) || parser.isSet(formatOption) ||
                         parser.isSet(jobsOption) || !parser.positionalArguments().isEmpty()))
-    usageError(QStringLiteral("--check takes no other option but --lang"));
+    return usageError(QStringLiteral("--check takes no other option but --lang"));
   for (const QString& input : parser.positionalArguments())
     options.inputs.push_back(input.toStdString());
 
   if (parser.isSet(streamOption)) {
     options.streamAlgorithm = parser.value(streamOption).toStdString();
-    if (options.streamAlgorithm.empty()) usageError(QStringLiteral("--stream needs an algorithm"));
+    if (options.streamAlgorithm.empty())
+      return usageError(QStringLiteral("--stream needs an algorithm"));
     if (parser.isSet(langOption) || options.words || !options.inputs.empty() ||
         parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check)
-      usageError(QStringLiteral("--stream reads standard input only and takes no other option"));
+      return usageError(
+          QStringLiteral("--stream reads standard input only and takes no other option"));
   }
-  return options;
+  return result;
 }

@@ -19,8 +19,17 @@ struct Options {
   std::vector<std::string> inputs;
 };
 
-// Parses `arguments` (the program name first). On --help or --version prints
-// the text and exits 0; on bad usage prints a one-line error and exits 2.
-Options parseOptions(const QStringList& arguments);
+// The outcome of parsing: options to run with, or text to print and a status.
+struct ParseResult {
+  Options options;
+  int exitStatus = -1;  // -1: run with `options`; 0: --help or --version; 2: bad usage
+  std::string output;   // for standard output (--help, --version)
+  std::string error;    // one line for standard error (bad usage)
+};
+
+// Parses `arguments` (the program name first). Never exits and never throws
+// but for memory: --help and --version give status 0 and their text, bad
+// usage status 2 and a one-line "dialog-stem: ..." error.
+ParseResult parseOptions(const QStringList& arguments);
 
 #endif  // DIALOG_STEM_OPTIONS_HPP
