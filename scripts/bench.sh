@@ -34,8 +34,7 @@ log="$build/bench-build.log"
 mkdir -p "$build"
 
 echo "== building in $build (Release) ..."
-if ! { cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DDIALOG_BUILD_BENCHMARKS=ON \
-         -DDIALOG_BUILD_TESTS=ON -DDIALOG_BUILD_TOOLS=OFF "${cmake_args[@]}" &&
+if ! { cmake --preset bench -B "$build" "${cmake_args[@]}" &&
        cmake --build "$build" -j"$(nproc)"; } >"$log" 2>&1; then
   tail -n 40 "$log" >&2
   echo "bench.sh: build failed, full log in $log" >&2

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the libFuzzer targets with clang in ./build-fuzz and runs each for a
-# bounded time, starting from the seed corpus in tests/fuzz/corpus/<target>.
+# Builds the libFuzzer targets with clang in ./build-fuzz (CMake preset "fuzz")
+# and runs each for a bounded time, starting from the seed corpus in
+# tests/fuzz/corpus/<target>.
 # Usage: scripts/fuzz.sh [SECONDS_PER_TARGET]   (default 15: about two minutes in all)
 # Inputs may reach 70,000 bytes, past the 64 KiB caps of the targets.
 # New inputs go to build-fuzz/corpus/<target>; a crashing input is kept in
@@ -12,9 +13,8 @@ build=build-fuzz
 targets=(fuzz_lemma_file fuzz_sentences fuzz_stem_stream fuzz_morphemes fuzz_segmenter_files
   fuzz_find_data fuzz_tool_options)
 
-CC=clang CXX=clang++ cmake -S . -B "$build" -DDIALOG_BUILD_FUZZERS=ON \
-  -DDIALOG_BUILD_TOOLS=OFF -DDIALOG_INSTALL=OFF >/dev/null
-cmake --build "$build" -j"$(nproc)" --target fuzzers
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz -j"$(nproc)"
 
 # Leaks are checked per input; the fuzzers keep their stemmers reachable, so no
 # suppression is needed. Any sanitizer report is fatal.

@@ -1,6 +1,7 @@
-// One test per row of the README's "Bad input" table: the library returns what
-// it documents, does not crash, uses memory in proportion to the input, and
-// writes nothing to the caller's outputs that was not asked for.
+// Rows of the README's "Bad input" table that no unit's own tests hold: the
+// library returns what it documents, does not crash, uses memory in proportion
+// to the input, and writes nothing to the caller's outputs that was not asked
+// for. The lemma file rows are LemmaDictionary tests.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -168,36 +169,6 @@ TEST_F(BadInput, TenMegabyteSentence) {
   sb_stemmer_delete(snowball);
 }
 
-TEST_F(BadInput, LemmaFileWithBlankLine) {
-  data_.write("lemmatizer/enu/lemma", "went\n\ngo\ndogs\ndog\n");
-  Stemmer en("enu");
-  EXPECT_EQ(stem(en, "went"), "");    // the blank line is its lemma
-  EXPECT_EQ(stem(en, "go"), "dogs");  // and every later pair shifts
-  EXPECT_EQ(stem(en, "dog"), "");     // odd line left over: empty lemma
-  EXPECT_EQ(en.impl->lemDic.size(), 3U);
-}
-
-TEST_F(BadInput, LemmaFileWithOddLineCount) {
-  data_.write("lemmatizer/enu/lemma", "went\ngo\nchildren\n");
-  Stemmer en("enu");
-  EXPECT_EQ(stem(en, "went"), "go");
-  EXPECT_EQ(stem(en, "children"), "");
-  EXPECT_EQ(en.impl->lemDic.size(), 2U);
-}
-
-TEST_F(BadInput, BinaryLemmaFile) {
-  std::string bytes;
-  for (int i = 0; i < 64 * 1024; ++i) bytes += static_cast<char>((i * 131 + i / 7) & 0xFF);
-  data_.write("lemmatizer/enu/lemma", bytes);
-  Stemmer en("enu");
-  // Taken as text, line by line; nothing else happens to it.
-  std::size_t lines = 0;
-  for (char c : bytes) lines += c == '\n';
-  EXPECT_LE(en.impl->lemDic.size(), lines / 2 + 1);
-  EXPECT_EQ(stem(en, "went"), "went");
-  EXPECT_EQ(sentence(en, "went dogs"), (Stems{"went", "dogs"}));
-}
-
 TEST_F(BadInput, LemmaFileOfOneFiftyMegabyteLine) {
   const std::string path =
       data_.write("lemmatizer/enu/lemma", std::string(50 * kMiB, 'w'));  // no line end
@@ -210,24 +181,6 @@ TEST_F(BadInput, LemmaFileOfOneFiftyMegabyteLine) {
   // The line is held once as UTF-16 (twice its size) plus reading buffers.
   expectMemoryProportional(before, 50 * kMiB, 6);
   fs::remove(path);
-}
-
-TEST_F(BadInput, MissingLemmaFile) {
-  fs::remove(data_.path() + "/share/dialog/lemmatizer/enu/lemma");
-  Stemmer en("enu");
-  EXPECT_TRUE(en.impl->lemDic.empty());
-  EXPECT_NE(en.impl->stemmer, nullptr);
-  EXPECT_EQ(stem(en, "went"), "went");
-  EXPECT_EQ(sentence(en, "went dogs"), (Stems{"went", "dogs"}));
-}
-
-TEST_F(BadInput, DirectoryWhereLemmaFileIsExpected) {
-  const std::string path = data_.path() + "/share/dialog/lemmatizer/enu/lemma";
-  fs::remove(path);
-  fs::create_directories(path + "/went");
-  Stemmer en("enu");
-  EXPECT_TRUE(en.impl->lemDic.empty());
-  EXPECT_EQ(stem(en, "went"), "went");
 }
 
 TEST_F(BadInput, UnreadableLemmaFile) {
