@@ -162,6 +162,10 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
   EXPECT_EQ(r.status, 1);
   EXPECT_NE(r.out.find("dictionary directory: not found"), std::string::npos) << r.out;
   const dialog_test::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
+  r = run({"went"});  // without data the words come back, with a warning
+  EXPECT_EQ(r.out, "went\n\n");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_NE(r.err.find("warning: no enu lemma file"), std::string::npos) << r.err;
   r = run({"--check", "--lang", "frf"});
   EXPECT_EQ(r.status, 1);
   EXPECT_NE(r.out.find("missing " + scratch_.path() + "/share/dialog/lemmatizer/frf/lemma"),

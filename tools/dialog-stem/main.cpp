@@ -2,10 +2,12 @@
 #include <cstdio>
 #include <memory>
 #include <new>
+#include <string>
 
 #include <QCoreApplication>
 
 #include "check.hpp"
+#include "ku/path.hpp"
 #include "options.hpp"
 #include "run.hpp"
 #include "stdout_to_stderr.hpp"
@@ -24,6 +26,13 @@ int run(const Options& options) {
     stemmer = std::make_unique<ZQ::Dialog::Stemmer>(options.language);
   } else {
     stemmer = std::make_unique<ZQ::Dialog::Stemmer>(options.language);
+    // Words would come back unchanged without a word of explanation otherwise.
+    const std::string lemmaFile = "lemmatizer/" + options.language + "/lemma";
+    if (ku::path::findData("dialog", lemmaFile, false).empty())
+      std::fprintf(
+          stderr,
+          "dialog-stem: warning: no %s lemma file, words come back unchanged (see --check)\n",
+          options.language.c_str());
   }
   return runStemming(*stemmer, options);
 }
