@@ -67,13 +67,6 @@ std::optional<std::string> getEnv(const char* name) {
   return std::string(value);
 }
 
-void restoreEnv(const char* name, const std::optional<std::string>& value) {
-  if (value)
-    setenv(name, value->c_str(), 1);
-  else
-    unsetenv(name);
-}
-
 }  // namespace
 
 const std::string& tempRoot() {
@@ -273,25 +266,8 @@ const RealisticData& realisticData(const std::string& lang) {
   return cache.emplace(lang, data).first->second;
 }
 
-std::string readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 DataPrefixScope::DataPrefixScope(const std::string& prefix)
-    : oldPrefix_(getEnv("KU_PREFIX_PATH")), oldXdg_(getEnv("XDG_DATA_HOME")) {
-  const std::string emptyXdg = tempRoot() + "/empty-xdg";
-  fs::create_directories(emptyXdg);
-  setenv("KU_PREFIX_PATH", prefix.c_str(), 1);
-  setenv("XDG_DATA_HOME", emptyXdg.c_str(), 1);
-}
-
-DataPrefixScope::~DataPrefixScope() {
-  restoreEnv("KU_PREFIX_PATH", oldPrefix_);
-  restoreEnv("XDG_DATA_HOME", oldXdg_);
-}
+    : prefix_("KU_PREFIX_PATH", prefix), xdg_("XDG_DATA_HOME", tempRoot() + "/empty-xdg") {}
 
 StdoutToNull::StdoutToNull() : saved_(-1) {
   std::cout.flush();

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "support/test_support.hpp"
+
 namespace dialog_bench {
 
 // One line pair of a lemma file.
@@ -86,21 +88,15 @@ const RealisticData& realisticData(const std::string& lang);
 // The language's corpus sentences, else `fallback` generated ones.
 std::vector<std::string> realisticSentences(const std::string& lang, std::size_t fallback = 2000);
 
-// Reads a whole file; empty when unreadable.
-std::string readFile(const std::string& path);
-
 // Points the data lookup at `prefix` only (KU_PREFIX_PATH, and the user data
-// directory at an empty place) for the object's lifetime.
+// directory at a place that does not exist) for the object's lifetime.
 class DataPrefixScope {
  public:
   explicit DataPrefixScope(const std::string& prefix);
-  ~DataPrefixScope();
-  DataPrefixScope(const DataPrefixScope&) = delete;
-  DataPrefixScope& operator=(const DataPrefixScope&) = delete;
 
  private:
-  std::optional<std::string> oldPrefix_;
-  std::optional<std::string> oldXdg_;
+  dialog_test::ScopedEnv prefix_;
+  dialog_test::ScopedEnv xdg_;
 };
 
 // Sends file descriptor 1 to /dev/null for the object's lifetime (the Japanese

@@ -78,7 +78,7 @@ const Source& source(const std::string& key, const std::string& lang, std::size_
   }
   if (src.error.empty()) {
     src.path = lemmaPath(src.prefix, lang);
-    const std::string text = readFile(src.path);
+    const std::string text = dialog_test::readFile(src.path);
     std::size_t lines = 0;
     for (const char c : text) lines += c == '\n';
     if (!text.empty() && text.back() != '\n') ++lines;
