@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "stemmer/stemmer.hpp"
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
 
 namespace {
 
@@ -31,9 +31,7 @@ class DefaultData : public testing::Test {
     stemmer.stem_sentence(text, stems);
     return stems;
   }
-  dialog_test::TempDir home_;
-  dialog_test::ScopedEnv prefix_{"KU_PREFIX_PATH", DIALOG_STAGED_PREFIX};
-  dialog_test::ScopedEnv xdg_{"XDG_DATA_HOME", home_.path()};
+  const dialog_test::DataRoot data_{DIALOG_STAGED_PREFIX};
 };
 
 TEST_F(DefaultData, EnglishForms) {

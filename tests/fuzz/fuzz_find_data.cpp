@@ -8,11 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "fuzz_support.hpp"
 #include "ku/path.hpp"
+#include "testing/files.hpp"
+#include "testing/invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_fuzz::kMaxInput) return 0;
+  if (size > dialog_test::kMaxFuzzInput) return 0;
   static const dialog_test::TempDir root;
   static const bool made = (root.write("share/p/a", "x"), root.write("share/p/d/b", "x"), true);
   (void)made;
@@ -36,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     found = ku::path::findData(package, relative, false);
     candidates = ku::path::dataCandidates(package, relative, false);
   } catch (...) {
-    dialog_fuzz::fail("the lookup threw");
+    dialog_test::violated("the lookup threw");
   }
   // The result is the first candidate that exists, or "" when none does.
   std::string first;
@@ -47,10 +48,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       break;
     }
   }
-  if (found != first) dialog_fuzz::fail("result is not the first existing candidate");
+  if (found != first) dialog_test::violated("result is not the first existing candidate");
   if ((package.empty() || relative.empty()) && !found.empty())
-    dialog_fuzz::fail("found data for an empty package or path");
+    dialog_test::violated("found data for an empty package or path");
   if (!found.empty() && relative.back() == '/' && found.back() != '/')
-    dialog_fuzz::fail("a path ending in / gave a result without it");
+    dialog_test::violated("a path ending in / gave a result without it");
   return 0;
 }

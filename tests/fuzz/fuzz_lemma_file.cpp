@@ -6,27 +6,30 @@
 #include <map>
 #include <string>
 
-#include "fuzz_support.hpp"
+#include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
+#include "testing/files.hpp"
+#include "testing/generated_data.hpp"
+#include "testing/invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_fuzz::kMaxInput) return 0;
-  const dialog_test::DataRoot& root = dialog_fuzz::dataRoot();
+  if (size > dialog_test::kMaxFuzzInput) return 0;
+  static const dialog_test::DataRoot root;
   const std::string path =
       root.write("lemmatizer/enu/lemma", std::string(reinterpret_cast<const char*>(data), size));
 
   // One implementation for the whole run: "xx" creates no Snowball handle.
   static ZQ::Dialog::StemmerPrivate* const impl = [] {
-    dialog_fuzz::quietLog();
+    ku::log::addCategory("LibStemmer")->level = 0;  // no "Unsupported language" noise
     auto* created = new ZQ::Dialog::StemmerPrivate("xx");
     created->lang = 1;
     return created;
   }();
   impl->lemDic = impl->getLemDic("enu");
   const std::map<QString, QString> plain = dialog_test::plainLemmaLoad(path);
-  if (impl->lemDic != plain) dialog_fuzz::fail("map differs from the plain readLine loop's");
+  if (impl->lemDic != plain) dialog_test::violated("map differs from the plain readLine loop's");
   for (auto l = impl->lemDic.cbegin(), p = plain.cbegin(); l != impl->lemDic.end(); ++l, ++p)
-    if (l->second.isNull() != p->second.isNull()) dialog_fuzz::fail("null lemma differs");
+    if (l->second.isNull() != p->second.isNull()) dialog_test::violated("null lemma differs");
 
   for (const auto& [form, lemma] : impl->lemDic) {
     QString word = form;
@@ -37,9 +40,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString key = QString::fromUtf8(form.toUtf8().constData());
     const auto found = impl->lemDic.find(key);
     const QString& expected = found != impl->lemDic.end() ? found->second : form;
-    if (result != expected) dialog_fuzz::fail("lookup differs from the dictionary");
-    if (key == form && result != lemma) dialog_fuzz::fail("entry not found again");
-    if (word != result) dialog_fuzz::fail("result differs from word");
+    if (result != expected) dialog_test::violated("lookup differs from the dictionary");
+    if (key == form && result != lemma) dialog_test::violated("entry not found again");
+    if (word != result) dialog_test::violated("result differs from word");
   }
   return 0;
 }

@@ -9,9 +9,11 @@
 
 #include <QStringList>
 
-#include "fuzz_support.hpp"
+#include "ku/log.hpp"
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
+#include "testing/files.hpp"
+#include "testing/invariant.hpp"
 
 namespace {
 
@@ -26,9 +28,9 @@ struct Stemmers {
 
 const Stemmers& stemmers() {
   static const Stemmers instance = [] {
-    dialog_fuzz::quietLog();
-    dialog_fuzz::dataRoot().write("lemmatizer/enu/lemma",
-                                  "went\ngo\ndogs\ndog\ndon\ndo\nt\nnot\n\nEMPTY\n");
+    ku::log::addCategory("LibStemmer")->level = 0;  // no "Unsupported language" noise
+    static const dialog_test::DataRoot data;
+    data.write("lemmatizer/enu/lemma", "went\ngo\ndogs\ndog\ndon\ndo\nt\nnot\n\nEMPTY\n");
     Stemmers s{new Stemmer("enu"), new Stemmer("enu"), new Stemmer("xx"), nullptr};
     s.unusedHandle = s.spaceTokens->impl->stemmer;
     s.spaceTokens->impl->stemmer = nullptr;
@@ -48,40 +50,41 @@ std::string expectedStem(const Stemmer& stemmer, const QString& word) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_fuzz::kMaxInput) return 0;
+  if (size > dialog_test::kMaxFuzzInput) return 0;
   const Stemmers& s = stemmers();
   const std::string input(reinterpret_cast<const char*>(data), size);
 
   std::string word = input;
   std::string result = "stale";
   s.english->stemword(word, result);
-  if (word != input) dialog_fuzz::fail("stemword changed the word");
+  if (word != input) dialog_test::violated("stemword changed the word");
   const QString decoded = QString::fromUtf8(input.c_str());
-  if (result != expectedStem(*s.english, decoded)) dialog_fuzz::fail("stemword lookup");
+  if (result != expectedStem(*s.english, decoded)) dialog_test::violated("stemword lookup");
 
   std::vector<std::string> stems{"kept"};
   s.english->stem_sentence(input, stems);
   std::vector<std::string> expected{"kept"};
   for (const QString& piece : decoded.split(ZQ::Dialog::rx, Qt::KeepEmptyParts))
     expected.push_back(expectedStem(*s.english, piece));
-  if (stems != expected) dialog_fuzz::fail("regex split output");
+  if (stems != expected) dialog_test::violated("regex split output");
 
   stems.assign(1, "kept");
   s.spaceTokens->stem_sentence(input, stems);
   std::string joined;
   for (std::size_t i = 1; i < stems.size(); ++i) {
     if (stems[i].empty() || stems[i].find(' ') != std::string::npos)
-      dialog_fuzz::fail("space token empty or holding a space");
+      dialog_test::violated("space token empty or holding a space");
     joined += stems[i];
   }
   std::string unspaced = input;
   unspaced.erase(std::remove(unspaced.begin(), unspaced.end(), ' '), unspaced.end());
-  if (stems.front() != "kept" || joined != unspaced) dialog_fuzz::fail("space tokens lost bytes");
+  if (stems.front() != "kept" || joined != unspaced)
+    dialog_test::violated("space tokens lost bytes");
 
   stems.assign(1, "kept");
   s.whole->stem_sentence(input, stems);
   expected =
       input.empty() ? std::vector<std::string>{"kept"} : std::vector<std::string>{"kept", input};
-  if (stems != expected) dialog_fuzz::fail("whole sentence not returned whole");
+  if (stems != expected) dialog_test::violated("whole sentence not returned whole");
   return 0;
 }

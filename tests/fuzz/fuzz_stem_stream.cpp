@@ -6,20 +6,20 @@
 #include <cstdio>
 #include <vector>
 
-#include "fuzz_support.hpp"
 #include "stemmer/stemmer.hpp"
+#include "testing/invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_fuzz::kMaxInput) return 0;
+  if (size > dialog_test::kMaxFuzzInput) return 0;
   static sb_stemmer* const english = sb_stemmer_new("english", "UTF_8");
   // fmemopen refuses an empty buffer; the empty stream is /dev/null.
   std::vector<std::uint8_t> bytes(data, data + size);
   FILE* in = size ? fmemopen(bytes.data(), bytes.size(), "r") : std::fopen("/dev/null", "r");
-  if (!in) dialog_fuzz::fail("cannot open the input as a stream");
+  if (!in) dialog_test::violated("cannot open the input as a stream");
   QString out = QStringLiteral("kept");
   ZQ::Dialog::stem_stream(english, in, out);
-  if (!out.startsWith(QLatin1String("kept"))) dialog_fuzz::fail("output not appended to");
-  if (std::fgetc(in) != EOF) dialog_fuzz::fail("stream not read to its end");
+  if (!out.startsWith(QLatin1String("kept"))) dialog_test::violated("output not appended to");
+  if (std::fgetc(in) != EOF) dialog_test::violated("stream not read to its end");
   std::fclose(in);
   return 0;
 }

@@ -8,11 +8,11 @@
 #include <QCoreApplication>
 #include <QStringList>
 
-#include "fuzz_support.hpp"
 #include "options.hpp"
+#include "testing/invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_fuzz::kMaxInput) return 0;
+  if (size > dialog_test::kMaxFuzzInput) return 0;
   // The help text names the application, as in the tool.
   static int argc = 1;
   static char name[] = "dialog-stem";
@@ -26,23 +26,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case -1: {
       const Options& o = result.options;
       if (o.language != "enu" && o.language != "frf" && o.language != "jpj")
-        dialog_fuzz::fail("unknown language accepted");
-      if (o.jobs < 1 || o.jobs > 1024) dialog_fuzz::fail("jobs out of range");
+        dialog_test::violated("unknown language accepted");
+      if (o.jobs < 1 || o.jobs > 1024) dialog_test::violated("jobs out of range");
       if (!o.streamAlgorithm.empty() && (o.words || o.check || !o.inputs.empty()))
-        dialog_fuzz::fail("--stream combined with another mode");
-      if (!result.output.empty() || !result.error.empty()) dialog_fuzz::fail("text on success");
+        dialog_test::violated("--stream combined with another mode");
+      if (!result.output.empty() || !result.error.empty()) dialog_test::violated("text on success");
       break;
     }
     case 0:
-      if (result.output.empty() || !result.error.empty()) dialog_fuzz::fail("help without text");
+      if (result.output.empty() || !result.error.empty())
+        dialog_test::violated("help without text");
       break;
     case 2:
       if (result.error.rfind("dialog-stem: ", 0) != 0 || result.error.back() != '\n' ||
           result.error.find('\n') != result.error.size() - 1)
-        dialog_fuzz::fail("usage error is not one dialog-stem line");
+        dialog_test::violated("usage error is not one dialog-stem line");
       break;
     default:
-      dialog_fuzz::fail("unexpected exit status");
+      dialog_test::violated("unexpected exit status");
   }
   return 0;
 }

@@ -5,14 +5,11 @@
 #include <thread>
 #include <vector>
 
+#include "testing/log_capture.hpp"
+
 namespace {
 
-// Captures records while alive.
-struct Capture {
-  std::vector<ku::log::Record> records;
-  unsigned id = ku::log::addHandler([this](const ku::log::Record& r) { records.push_back(r); });
-  ~Capture() { ku::log::removeHandler(id); }
-};
+using Capture = dialog_test::LogCapture;
 
 TEST(Log, CategoriesAreUniqueAndStartAtInfo) {
   ku::log::Category* a = ku::log::addCategory("test.unique");

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
 
 using dialog_test::ScopedEnv;
 using dialog_test::TempDir;

@@ -5,23 +5,18 @@
 
 #include <filesystem>
 #include <functional>
-#include <memory>
 
 #include <gtest/gtest.h>
 
-#include "segmenter_support.hpp"
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
+#include "testing/mecab.hpp"
+#include "testing/requirements.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
-using segmenter_test::CapturedOutput;
+using namespace dialog_test;
 using ZQ::Dialog::segmenter::openTagger;
-
-struct TaggerDeleter {
-  void operator()(MeCab::Tagger* tagger) const { MeCab::deleteTagger(tagger); }
-};
-using TaggerPtr = std::unique_ptr<MeCab::Tagger, TaggerDeleter>;
 
 // Header field offsets of a compiled dictionary.
 constexpr std::size_t kVersionField = 4;
@@ -36,9 +31,9 @@ std::string versions(const std::vector<unsigned>& numbers) {
 class OpenTaggerTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!segmenter_test::canBuildDictionaries()) GTEST_SKIP() << "mecab-dict-index not found";
+    DIALOG_REQUIRE(Need::kDictionaryIndexer);
     dic_ = temp_.path() + "/ipadic/";
-    segmenter_test::installDictionary(dic_);
+    installDictionary(dic_);
   }
 
   // Opens on `dir`, keeping the trail; checks nothing reached standard error.
@@ -58,103 +53,77 @@ class OpenTaggerTest : public ::testing::Test {
     EXPECT_STREQ(MeCab::getTaggerError(), "");
   }
 
-  dialog_test::TempDir temp_;
+  TempDir temp_;
   std::string dic_;
   std::string trail_;
 };
 
-TEST_F(OpenTaggerTest, SuccessTrailWithAndWithoutTrailingSlash) {
-  for (const std::string& dir : {dic_, dic_.substr(0, dic_.size() - 1)}) {
-    const TaggerPtr tagger = open(dir);
-    ASSERT_NE(tagger, nullptr) << dir;
-    // The "[" line shows the directory as given; "dicrc" never gets a doubled "/".
-    EXPECT_EQ(trail_, "[" + dir + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
-                          versions({102, 102}));
-    EXPECT_EQ(segmenter_test::baseForms(*tagger, "猫が走った"),
-              (std::vector<std::string>{"猫", "が", "走る", "た"}));
+TEST_F(OpenTaggerTest, SuccessTrail) {
+  const std::string blanks = temp_.path() + "/with blanks in/ipadic/";
+  installDictionary(blanks);
+  const std::string first = temp_.path() + "/first user.dic", second = temp_.path() + "/u.dic";
+  installUserDictionary(first);
+  installUserDictionary(second);
+  const std::string rc = readFile(dic_ + "dicrc");
+  struct Row {
+    std::string dir, dicrc, shown;  // shown: the directory the "[" line gives
+    std::vector<unsigned> versions;
+    const char* sentence;
+  };
+  const Row rows[] = {
+      {dic_, rc, dic_, {102, 102}, "猫"},
+      // The "[" line shows the directory as given; "dicrc" never gets a doubled "/".
+      {dic_.substr(0, dic_.size() - 1), rc, dic_.substr(0, dic_.size() - 1), {102, 102}, "猫"},
+      {blanks, rc, blanks, {102, 102}, "猫"},
+      {dic_, rc + "dicdir = " + temp_.path() + "/elsewhere\n", dic_, {102, 102}, "猫"},
+      // Each user dictionary adds a version line.
+      {dic_, rc + "userdic = " + first + "," + second + "\n", dic_, {102, 102, 102, 102}, "犬"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.dir + "\n" + row.dicrc);
+    writeFile(row.dir + (row.dir.back() == '/' ? "" : "/") + "dicrc", row.dicrc);
+    const TaggerPtr tagger = open(row.dir);
+    ASSERT_NE(tagger, nullptr);
+    const std::string dicdir = row.dir.back() == '/' ? row.dir : row.dir + "/";
+    EXPECT_EQ(trail_, "[" + row.shown + "]load_dictionary_resource\ndicdir : " + dicdir + "dicrc" +
+                          versions(row.versions));
+    EXPECT_EQ(baseForms(*tagger, row.sentence).front(), row.sentence);
   }
-}
-
-TEST_F(OpenTaggerTest, PathWithBlanksOpens) {
-  const std::string dir = temp_.path() + "/with blanks in/ipadic/";
-  segmenter_test::installDictionary(dir);
-  const TaggerPtr tagger = open(dir);
-  ASSERT_NE(tagger, nullptr);
-  EXPECT_EQ(trail_, "[" + dir + "]load_dictionary_resource\ndicdir : " + dir + "dicrc" +
-                        versions({102, 102}));
-}
-
-TEST_F(OpenTaggerTest, UserDictionariesEachAddAVersionLine) {
-  const std::string first = temp_.path() + "/first user.dic";
-  const std::string second = temp_.path() + "/second.dic";
-  segmenter_test::installUserDictionary(first);
-  segmenter_test::installUserDictionary(second);
-  segmenter_test::writeFile(dic_ + "dicrc", segmenter_test::readFile(dic_ + "dicrc") +
-                                                "userdic = " + first + "," + second + "\n");
-  const TaggerPtr tagger = open(dic_);
-  ASSERT_NE(tagger, nullptr);
-  EXPECT_EQ(trail_, "[" + dic_ + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
-                        versions({102, 102, 102, 102}));
-  EXPECT_EQ(segmenter_test::baseForms(*tagger, "犬が走った"),
+  EXPECT_EQ(baseForms(*open(dic_), "犬が走った"),
             (std::vector<std::string>{"犬", "が", "走る", "た"}));
 }
 
-TEST_F(OpenTaggerTest, DicdirInDicrcChangesNothing) {
-  segmenter_test::writeFile(dic_ + "dicrc", segmenter_test::readFile(dic_ + "dicrc") +
-                                                "dicdir = " + temp_.path() + "/elsewhere\n");
-  EXPECT_NE(open(dic_), nullptr);
-  EXPECT_EQ(trail_, "[" + dic_ + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
-                        versions({102, 102}));
-}
-
 // Failures while the resource files load: no version lines, and the error ends the line.
-TEST_F(OpenTaggerTest, DirectoryThatDoesNotExist) {
-  const std::string dir = temp_.path() + "/none/";
-  expectFailure(dir);
-  const std::string error = segmenter_test::mecabError(dir, dir);
-  EXPECT_NE(error.find("no such file or directory: " + dir), std::string::npos) << error;
-  EXPECT_EQ(trail_, "[" + dir + "]load_dictionary_resource\nModelImpl::open " + error + "\n");
-}
-
-TEST_F(OpenTaggerTest, DicrcMissingOrBroken) {
+TEST_F(OpenTaggerTest, ResourceFileFailures) {
   struct Row {
     const char* name;
-    std::function<void(const std::string& dicrc)> spoil;
+    std::function<std::string()> spoil;  // returns the directory to open
     const char* cause;
   };
   const Row rows[] = {
-      {"missing", [](const std::string& dicrc) { fs::remove(dicrc); },
+      {"no such directory", [&] { return temp_.path() + "/none/"; }, "no such file or directory: "},
+      {"dicrc missing", [&] { return fs::remove(dic_ + "dicrc"), dic_; },
        "no such file or directory: "},
-      {"a line without '='",
-       [](const std::string& dicrc) { segmenter_test::writeFile(dicrc, "cost-factor 800\n"); },
+      {"a line without '='", [&] { return writeFile(dic_ + "dicrc", "cost-factor 800\n"), dic_; },
        "format error: "},
+      {"dicrc unreadable", [&] { return chmod((dic_ + "dicrc").c_str(), 0), dic_; }, ""},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    segmenter_test::installDictionary(dic_);
-    row.spoil(dic_ + "dicrc");
-    expectFailure(dic_);
-    const std::string error = segmenter_test::mecabError(dic_, dic_);
+    if (!*row.cause && !missing(Need::kUnprivileged).empty()) continue;  // root reads anyway
+    installDictionary(dic_);
+    const std::string dir = row.spoil();
+    expectFailure(dir);
+    const std::string error = mecabError(dir, dir);
     EXPECT_NE(error.find(row.cause), std::string::npos) << error;
-    EXPECT_EQ(trail_, "[" + dic_ + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
-                          "ModelImpl::open " + error + "\n");
+    const std::string dicrc = fs::exists(dir) ? "dicdir : " + dir + "dicrc" : "";
+    EXPECT_EQ(trail_, "[" + dir + "]load_dictionary_resource\n" + dicrc + "ModelImpl::open " +
+                          error + "\n");
   }
-}
-
-TEST_F(OpenTaggerTest, DicrcUnreadable) {
-  if (geteuid() == 0) GTEST_SKIP() << "root reads files whatever their mode";
-  chmod((dic_ + "dicrc").c_str(), 0);
-  expectFailure(dic_);
-  const std::string error = segmenter_test::mecabError(dic_, dic_);
-  EXPECT_EQ(trail_, "[" + dic_ + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
-                        "ModelImpl::open " + error + "\n");
 }
 
 // Failures of the analyser: the versions read so far, then its error with no line end.
 TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
-  using segmenter_test::patchField;
-  using segmenter_test::readFile;
-  using segmenter_test::writeFile;
   const std::string user = temp_.path() + "/user.dic";
   const auto useUserDictionaries = [](const std::string& dic, const std::string& list) {
     writeFile(dic + "dicrc", readFile(dic + "dicrc") + "userdic = " + list + "\n");
@@ -212,7 +181,7 @@ TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
        {102, 102},
        "dictionary file is broken"},
       {"sys.dic a user dictionary",
-       [](const std::string& dic) { segmenter_test::installUserDictionary(dic + "sys.dic"); },
+       [](const std::string& dic) { installUserDictionary(dic + "sys.dic"); },
        {102, 102},
        "not a system dictionary"},
       {"matrix.bin missing",
@@ -255,11 +224,11 @@ TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     fs::remove_all(dic_);
-    segmenter_test::installDictionary(dic_);
-    segmenter_test::installUserDictionary(user);
+    installDictionary(dic_);
+    installUserDictionary(user);
     row.spoil(dic_);
     expectFailure(dic_);
-    std::string error = segmenter_test::mecabError(dic_, dic_);
+    std::string error = mecabError(dic_, dic_);
     EXPECT_NE(error.find(row.cause), std::string::npos) << error;
     // MeCab ends the text with a blank before the writer's empty error, unless
     // its 255-character limit cut that blank off.
@@ -269,78 +238,56 @@ TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
   }
 }
 
-TEST_F(OpenTaggerTest, WriterFailureShowsTheAnalysersEmptyError) {
-  segmenter_test::writeFile(dic_ + "dicrc", segmenter_test::readFile(dic_ + "dicrc") +
-                                                "output-format-type = nothing-like-it\n");
+// A writer failure shows the analyser's empty error.
+TEST_F(OpenTaggerTest, WriterFailure) {
+  writeFile(dic_ + "dicrc", readFile(dic_ + "dicrc") + "output-format-type = nothing-like-it\n");
   expectFailure(dic_);
-  EXPECT_NE(segmenter_test::mecabError(dic_, dic_).find("nothing-like-it"), std::string::npos);
+  EXPECT_NE(mecabError(dic_, dic_).find("nothing-like-it"), std::string::npos);
   EXPECT_EQ(trail_, "[" + dic_ + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
                         "ModelImpl::open  ");
 }
 
 // An empty lookup result: the resource file "MECAB_DEFAULT_RC" of the working
-// directory, and nothing else, ever stands in.
-class EmptyDirectoryTest : public OpenTaggerTest {
- protected:
-  void SetUp() override {
-    OpenTaggerTest::SetUp();
-    if (IsSkipped()) return;
-    work_ = temp_.path() + "/work";
-    fs::create_directories(work_);
-    // MeCab's own fallbacks would find a working dictionary here.
-    const std::string home = temp_.path() + "/home";
-    fs::create_directories(home);
-    segmenter_test::writeFile(home + "/.mecabrc", "dicdir = " + dic_ + "\n");
-    home_ = std::make_unique<dialog_test::ScopedEnv>("HOME", home);
-    mecabrc_ = std::make_unique<dialog_test::ScopedEnv>("MECABRC", home + "/.mecabrc");
+// directory, and nothing else, ever stands in, though MeCab's own fallbacks
+// (HOME's .mecabrc, $MECABRC) would find a working dictionary here.
+TEST_F(OpenTaggerTest, EmptyDirectoryUsesOnlyTheWorkingDirectorysDefaultResourceFile) {
+  const std::string work = temp_.path() + "/work", home = temp_.path() + "/home";
+  fs::create_directories(home);
+  writeFile(home + "/.mecabrc", "dicdir = " + dic_ + "\n");
+  const ScopedEnv homeEnv("HOME", home), mecabrc("MECABRC", home + "/.mecabrc");
+  struct Row {
+    const char* name;
+    const char* defaultRc;  // nullptr: no MECAB_DEFAULT_RC
+    bool dictionary;        // whether the working directory holds a dictionary
+    std::string trail;      // "" marks success; else the trail up to MeCab's error
+    const char* cause;
+  };
+  const std::string failed = "[]load_dictionary_resource\nModelImpl::open ";
+  const Row rows[] = {
+      {"no default resource file", nullptr, true, failed,
+       "no such file or directory: MECAB_DEFAULT_RC"},
+      {"no dicrc", "", false, "[]load_dictionary_resource\ndicdir : ./dicrcModelImpl::open ",
+       "no such file or directory: ./dicrc"},
+      {"broken default resource file", "not a setting\n", true, failed, "format error"},
+      {"default resource file and dictionary", "; read, but sets nothing\n", true, "", ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    fs::remove_all(work);
+    fs::create_directories(work);
+    if (row.dictionary) installDictionary(work);
+    if (row.defaultRc) writeFile(work + "/MECAB_DEFAULT_RC", row.defaultRc);
+    const WorkingDirectory cd(work);
+    if (row.trail.empty()) {
+      EXPECT_NE(open(""), nullptr);
+      EXPECT_EQ(trail_, "[]load_dictionary_resource\ndicdir : ./dicrc" + versions({102, 102}));
+      continue;
+    }
+    expectFailure("");
+    const std::string error = mecabError("MECAB_DEFAULT_RC", ".");
+    EXPECT_NE(error.find(row.cause), std::string::npos) << error;
+    EXPECT_EQ(trail_, row.trail + error + "\n");
   }
-
-  std::string work_;
-  std::unique_ptr<dialog_test::ScopedEnv> home_;
-  std::unique_ptr<dialog_test::ScopedEnv> mecabrc_;
-};
-
-TEST_F(EmptyDirectoryTest, NoDefaultResourceFile) {
-  const segmenter_test::WorkingDirectory cd(work_);
-  expectFailure("");
-  const std::string error = segmenter_test::mecabError("MECAB_DEFAULT_RC", ".");
-  EXPECT_NE(error.find("no such file or directory: MECAB_DEFAULT_RC"), std::string::npos) << error;
-  EXPECT_EQ(trail_, "[]load_dictionary_resource\nModelImpl::open " + error + "\n");
-}
-
-TEST_F(EmptyDirectoryTest, DefaultResourceFileAndDictionaryInWorkingDirectory) {
-  segmenter_test::installDictionary(work_);
-  segmenter_test::writeFile(work_ + "/MECAB_DEFAULT_RC", "; read, but sets nothing\n");
-  const segmenter_test::WorkingDirectory cd(work_);
-  const TaggerPtr tagger = open("");
-  ASSERT_NE(tagger, nullptr);
-  EXPECT_EQ(trail_, "[]load_dictionary_resource\ndicdir : ./dicrc" + versions({102, 102}));
-}
-
-TEST_F(EmptyDirectoryTest, DefaultResourceFileWithoutDicrc) {
-  segmenter_test::writeFile(work_ + "/MECAB_DEFAULT_RC", "");
-  const segmenter_test::WorkingDirectory cd(work_);
-  expectFailure("");
-  const std::string error = segmenter_test::mecabError("MECAB_DEFAULT_RC", ".");
-  EXPECT_NE(error.find("no such file or directory: ./dicrc"), std::string::npos) << error;
-  EXPECT_EQ(trail_, "[]load_dictionary_resource\ndicdir : ./dicrcModelImpl::open " + error + "\n");
-}
-
-TEST_F(EmptyDirectoryTest, BrokenDefaultResourceFile) {
-  segmenter_test::installDictionary(work_);
-  segmenter_test::writeFile(work_ + "/MECAB_DEFAULT_RC", "not a setting\n");
-  const segmenter_test::WorkingDirectory cd(work_);
-  expectFailure("");
-  const std::string error = segmenter_test::mecabError("MECAB_DEFAULT_RC", ".");
-  EXPECT_NE(error.find("format error"), std::string::npos) << error;
-  EXPECT_EQ(trail_, "[]load_dictionary_resource\nModelImpl::open " + error + "\n");
-}
-
-TEST_F(OpenTaggerTest, LastErrorIsClearedAfterEveryFailure) {
-  // A failure that MeCab reports with a long text, then one with a short text.
-  fs::remove(dic_ + "sys.dic");
-  expectFailure(dic_);
-  expectFailure(temp_.path() + "/none");
 }
 
 }  // namespace

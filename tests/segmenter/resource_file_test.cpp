@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
 
 namespace ZQ::Dialog::segmenter {
 namespace {

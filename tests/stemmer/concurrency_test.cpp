@@ -11,7 +11,7 @@
 
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
 
 namespace {
 

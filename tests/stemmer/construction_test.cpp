@@ -2,38 +2,22 @@
 
 #include <vector>
 
-#include "ku/log.hpp"
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
+#include "testing/log_capture.hpp"
 
 using ZQ::Dialog::Stemmer;
 
 namespace {
 
-// Collects the records of the "LibStemmer" category while alive, at a chosen level.
-struct LibStemmerLog {
-  explicit LibStemmerLog(int level) : category(ku::log::addCategory("LibStemmer")) {
-    saved = category->level;
-    category->level = level;
-  }
-  ~LibStemmerLog() {
-    ku::log::removeHandler(id);
-    category->level = saved;
-  }
-  ku::log::Category* category;
-  int saved;
-  std::vector<ku::log::Record> records;
-  unsigned id = ku::log::addHandler([this](const ku::log::Record& r) {
-    if (r.category == "LibStemmer") records.push_back(r);
-  });
-};
+using Log = dialog_test::LogCapture;
 
 TEST(Construction, LanguageTable) {
   dialog_test::DataRoot data;
   data.write("lemmatizer/enu/lemma", "went\ngo\n");
   data.write("lemmatizer/frf/lemma", "chevaux\ncheval\nyeux\nœil\n");
-  LibStemmerLog log(4);
+  Log log("LibStemmer", 4);
 
   Stemmer en("enu");
   EXPECT_EQ(en.language, "enu");
@@ -58,7 +42,7 @@ TEST(Construction, CodesMatchOnlyExactly) {
   dialog_test::DataRoot data;
   data.write("lemmatizer/enu/lemma", "went\ngo\n");
   for (const char* code : {"ENU", "en", "enu ", " enu", "", "Frf", "jpj\n", "english"}) {
-    LibStemmerLog log(4);
+    Log log("LibStemmer", 4);
     Stemmer stemmer(code);
     EXPECT_EQ(stemmer.language, code);
     EXPECT_EQ(stemmer.impl->lang, 0) << '"' << code << '"';
@@ -77,12 +61,12 @@ TEST(Construction, CodesMatchOnlyExactly) {
 
 TEST(Construction, UnsupportedRecordFollowsCategoryLevel) {
   for (int level : {0, 1}) {
-    LibStemmerLog log(level);
+    Log log("LibStemmer", level);
     Stemmer stemmer("xx");
     EXPECT_TRUE(log.records.empty()) << level;  // below error level: no record at all
   }
   for (int level : {2, 6}) {
-    LibStemmerLog log(level);
+    Log log("LibStemmer", level);
     Stemmer stemmer("xx");
     EXPECT_EQ(log.records.size(), 1u) << level;
   }
@@ -90,7 +74,7 @@ TEST(Construction, UnsupportedRecordFollowsCategoryLevel) {
 
 TEST(Construction, MissingLemmaFileGivesEmptyDictionaryAndWorkingStemmer) {
   dialog_test::DataRoot data;  // no files at all
-  LibStemmerLog log(6);
+  Log log("LibStemmer", 6);
   Stemmer en("enu");
   EXPECT_EQ(en.impl->lang, 1);
   EXPECT_NE(en.impl->stemmer, nullptr);
@@ -100,7 +84,7 @@ TEST(Construction, MissingLemmaFileGivesEmptyDictionaryAndWorkingStemmer) {
 
 TEST(Assignment, IsShallowAndSharesTheImplementation) {
   dialog_test::DataRoot data;
-  LibStemmerLog quiet(0);
+  Log quiet("LibStemmer", 0);
   auto* a = new Stemmer("enu");
   auto* b = new Stemmer("frf");
   ZQ::Dialog::StemmerPrivate* formerA = a->impl;
@@ -119,7 +103,7 @@ TEST(Assignment, IsShallowAndSharesTheImplementation) {
 
 TEST(Assignment, SelfAssignmentAndCopiesChangeNothing) {
   dialog_test::DataRoot data;
-  LibStemmerLog quiet(0);
+  Log quiet("LibStemmer", 0);
   Stemmer a("enu");
   ZQ::Dialog::StemmerPrivate* impl = a.impl;
   Stemmer& alias = a;

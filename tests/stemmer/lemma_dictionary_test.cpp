@@ -8,7 +8,10 @@
 #include <QTextCodec>
 
 #include "stemmer/stemmer_p.hpp"
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
+#include "testing/generated_data.hpp"
+#include "testing/memory.hpp"
+#include "testing/requirements.hpp"
 
 using Dictionary = std::map<QString, QString>;
 
@@ -100,8 +103,8 @@ TEST(LemmaDictionary, SameMapAsPlainReadLineLoop) {
 }
 
 TEST(LemmaDictionary, SameMapAsPlainLoopUnderLatin1Locale) {
-  if (!std::setlocale(LC_ALL, "fr_FR.ISO-8859-1"))
-    GTEST_SKIP() << "locale fr_FR.ISO-8859-1 not generated (localedef -i fr_FR -f ISO-8859-1)";
+  DIALOG_REQUIRE(dialog_test::Need::kLatin1Locale);
+  std::setlocale(LC_ALL, "fr_FR.ISO-8859-1");
   // Debian's Qt 5 keeps UTF-8 as its locale codec under this locale; both
   // loaders ask Qt, so they agree whatever it answers. Forcing Latin-1 then
   // checks that the loader really decodes with the codec Qt names.
@@ -137,19 +140,36 @@ TEST(LemmaDictionary, FileChosenByCode) {
 }
 
 TEST(LemmaDictionary, MissingOrUnreadableFileGivesEmptyMap) {
+  ZQ::Dialog::StemmerPrivate unused("jpj");
   {
     dialog_test::DataRoot data;
     data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
-    ZQ::Dialog::StemmerPrivate unused("jpj");
     EXPECT_TRUE(unused.getLemDic("enu").empty());
   }
   {
     // A directory where the file is expected cannot be opened as a file.
     dialog_test::DataRoot data;
     data.write("lemmatizer/enu/lemma/inner", "x");
-    ZQ::Dialog::StemmerPrivate unused("jpj");
     EXPECT_TRUE(unused.getLemDic("enu").empty());
   }
+  if (dialog_test::missing(dialog_test::Need::kUnprivileged).empty()) {
+    dialog_test::DataRoot data;
+    ASSERT_EQ(chmod(data.write("lemmatizer/enu/lemma", "went\ngo\n").c_str(), 0), 0);
+    EXPECT_TRUE(unused.getLemDic("enu").empty());
+  }
+}
+
+TEST(LemmaDictionary, FiftyMegabyteLineInProportionateMemory) {
+  const std::size_t size = 50u << 20;
+  dialog_test::DataRoot data;
+  data.write("lemmatizer/enu/lemma", std::string(size, 'w'));  // no line end
+  const std::size_t before = dialog_test::peakRss();
+  const Dictionary map = ZQ::Dialog::StemmerPrivate("jpj").getLemDic("enu");
+  ASSERT_EQ(map.size(), 1U);  // one word form, with an empty lemma
+  EXPECT_EQ(map.begin()->first.size(), static_cast<int>(size));
+  EXPECT_TRUE(map.begin()->second.isEmpty());
+  // The line is held once as UTF-16 (twice its size) plus reading buffers.
+  EXPECT_TRUE(dialog_test::grewInProportion(before, size, 6));
 }
 
 TEST(LemmaDictionary, KeysFollowQStringOrder) {

@@ -9,6 +9,7 @@
 
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stream_buffer.hpp"
+#include "testing/memory.hpp"
 
 namespace {
 
@@ -53,8 +54,10 @@ TEST(StemStream, AppendsToExistingOutput) {
 }
 
 TEST(StemStream, VeryLongLineAndOtherEncodings) {
-  const std::string line(100000, 'a');
-  EXPECT_EQ(stemStream(line + "\nwalks").size(), 100000 + 4);
+  // The buffer grows 10 bytes at a time and the sanitizers' realloc always
+  // copies, so they get a shorter line.
+  const int size = dialog_test::kSanitized ? 100000 : 10 << 20;
+  EXPECT_EQ(stemStream(std::string(size, 'a') + "\nwalks").size(), size + 4);
   // Stems are always decoded as UTF-8: Latin-1 bytes become U+FFFD.
   const QString latin = stemStream("\xE9t\xE9s\n", QString(), "french", "ISO_8859_1");
   EXPECT_TRUE(latin.contains(QChar(0xFFFD)));

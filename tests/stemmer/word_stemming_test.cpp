@@ -2,7 +2,7 @@
 
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
 
 using ZQ::Dialog::Stemmer;
 
@@ -11,28 +11,56 @@ namespace {
 // An English stemmer over a small dictionary of its own.
 class WordStemming : public testing::Test {
  protected:
-  std::string stem(std::string word, std::string result = "") {
-    english_.stemword(word, result);
+  // stemword on a copy of `word`, checking that the caller's word stays as it was.
+  std::string stem(const std::string& word, std::string result = "") {
+    std::string mine = word;
+    english_.stemword(mine, result);
+    EXPECT_EQ(mine, word);  // only the internal copy is replaced
     return result;
   }
   dialog_test::DataRoot data_;
   // Written before the stemmer below is built, which reads it.
-  std::string file_ =
-      data_.write("lemmatizer/enu/lemma", "went\ngo\nchildren\nchild\n\nEMPTY\nété\nêtre\n");
+  std::string file_ = data_.write("lemmatizer/enu/lemma",
+                                  "went\ngo\nchildren\nchild\n\nEMPTY\nété\nêtre\n"
+                                  "\xEF\xBB\xBF"
+                                  "dogs\nunreachable\n");
   Stemmer english_{"enu"};
 };
 
-TEST_F(WordStemming, StemwordLeavesTheCallersWord) {
-  std::string word = "went";
-  std::string result;
-  english_.stemword(word, result);
-  EXPECT_EQ(result, "go");
-  EXPECT_EQ(word, "went");  // only the internal copy is replaced
+TEST_F(WordStemming, LookupIsExact) {
+  EXPECT_EQ(stem("children"), "child");
+  EXPECT_EQ(stem("été"), "être");
+  EXPECT_EQ(stem("running"), "running");           // no Snowball stemming of words
+  EXPECT_EQ(stem("Went"), "Went");                 // case-sensitive
+  EXPECT_EQ(stem("went "), "went ");               // nothing trimmed
+  EXPECT_EQ(stem(""), "EMPTY");                    // the empty word is looked up too
+  EXPECT_EQ(stem("went", "previous text"), "go");  // the result is replaced, not appended
+  EXPECT_EQ(stem("walked", "previous text"), "walked");
+}
+
+TEST_F(WordStemming, BadBytes) {
+  EXPECT_EQ(stem("caf\xC3"), "caf\xEF\xBF\xBD");  // each bad sequence becomes U+FFFD
+  EXPECT_EQ(stem("\xFF\xFE"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(stem(std::string("went\0xyz", 8)), "go");  // a zero byte ends the word
+  EXPECT_EQ(stem(std::string("wal\0ked", 7)), "wal");
+  EXPECT_EQ(stem(std::string("\0went", 5)), "EMPTY");  // the empty word, which is listed
+  EXPECT_EQ(stem(std::string(10 << 20, 'y')), std::string(10 << 20, 'y'));
+}
+
+// The lookup key goes through a UTF-8 round trip, which drops a byte-order mark
+// that starts a word, as any decoding would; the word keeps it when unlisted.
+TEST_F(WordStemming, ByteOrderMarkStartingAWord) {
+  EXPECT_EQ(stem("\xEF\xBB\xBF\xEF\xBB\xBFwent"), "go");
+  EXPECT_EQ(stem("\xEF\xBB\xBF"
+                 "dogs"),
+            "dogs");  // the form listed with its mark is never found
+  QString word = QChar(0xFEFF) + QStringLiteral("dogs"), result;
+  english_.impl->stemmword(word, result);
+  EXPECT_EQ(result, word);
 }
 
 TEST_F(WordStemming, StemmwordReplacesItsWordInPlace) {
-  QString word = QStringLiteral("went");
-  QString result = QStringLiteral("old");
+  QString word = QStringLiteral("went"), result = QStringLiteral("old");
   english_.impl->stemmword(word, result);
   EXPECT_EQ(word, QStringLiteral("go"));
   EXPECT_EQ(result, QStringLiteral("go"));
@@ -40,48 +68,17 @@ TEST_F(WordStemming, StemmwordReplacesItsWordInPlace) {
   english_.impl->stemmword(unlisted, result);
   EXPECT_EQ(unlisted, QStringLiteral("walked"));
   EXPECT_EQ(result, QStringLiteral("walked"));
-}
-
-TEST_F(WordStemming, LookupIsExact) {
-  EXPECT_EQ(stem("children"), "child");
-  EXPECT_EQ(stem("été"), "être");
-  EXPECT_EQ(stem("running"), "running");  // no Snowball stemming of words
-  EXPECT_EQ(stem("Went"), "Went");        // case-sensitive
-  EXPECT_EQ(stem("went "), "went ");      // nothing trimmed
-  EXPECT_EQ(stem(""), "EMPTY");           // the empty word is looked up too
-}
-
-TEST_F(WordStemming, ResultIsReplacedNotAppended) {
-  EXPECT_EQ(stem("went", "previous text"), "go");
-  EXPECT_EQ(stem("walked", "previous text"), "walked");
-}
-
-TEST_F(WordStemming, EmbeddedZeroBytesEndTheWord) {
-  EXPECT_EQ(stem(std::string("went\0xyz", 8)), "go");
-  EXPECT_EQ(stem(std::string("wal\0ked", 7)), "wal");
-  QString word = QStringLiteral("went");
-  word.append(QChar(0)).append(QStringLiteral("tail"));
-  QString result;
+  word = QStringLiteral("went") + QChar(0) + QStringLiteral("tail");
   english_.impl->stemmword(word, result);
   EXPECT_EQ(result, QStringLiteral("go"));  // keyed by the part before U+0000
 }
 
-TEST_F(WordStemming, InvalidUtf8IsReplacedNotRejected) {
-  const std::string result = stem("caf\xC3");
-  EXPECT_EQ(result, "caf\xEF\xBF\xBD");  // U+FFFD
-}
-
-TEST(WordStemmingLanguages, JapaneseAndUnsupportedReturnWordsUnchanged) {
-  dialog_test::DataRoot data;
-  data.write("lemmatizer/enu/lemma", "went\ngo\n");
+TEST_F(WordStemming, JapaneseAndUnsupportedReturnWordsUnchanged) {
   for (const char* code : {"jpj", "xx"}) {
     Stemmer stemmer(code);
-    std::string word = "went";
-    std::string result;
-    stemmer.stemword(word, result);
-    EXPECT_EQ(result, "went") << code;
     // Even a dictionary entry is ignored when the language selector is 0.
     stemmer.impl->lemDic[QStringLiteral("went")] = QStringLiteral("go");
+    std::string word = "went", result;
     stemmer.stemword(word, result);
     EXPECT_EQ(result, "went") << code;
   }

@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
+#include "testing/generated_data.hpp"
+#include "testing/requirements.hpp"
 
 namespace {
 
@@ -176,16 +178,10 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
 TEST_F(DialogStem, OneLinePerSentenceOnTreebankText) {
   // Every sentence of the UD development sets, whatever its characters, gives
   // one line of tsv and one valid JSON array.
+  DIALOG_REQUIRE(dialog_test::Need::kTreebanks);
   std::string text;
-  for (const char* name : {"en_ewt-ud-dev.conllu", "fr_gsd-ud-dev.conllu"}) {
-    const std::string conllu = dialog_test::readFile(std::string(DIALOG_UD_DIR) + "/" + name);
-    for (std::size_t at = 0; (at = conllu.find("# text = ", at)) != std::string::npos;) {
-      const std::size_t end = conllu.find('\n', at);
-      text += conllu.substr(at + 9, end - at - 9) + "\n";
-      at = end;
-    }
-  }
-  if (text.empty()) GTEST_SKIP() << "no UD development sets in " << DIALOG_UD_DIR;
+  for (const char* lang : {"enu", "frf"})
+    for (const std::string& sentence : dialog_test::udSentences(lang)) text += sentence + "\n";
   const auto lines = std::count(text.begin(), text.end(), '\n');
   const std::string tsv = run({"--format", "tsv", "--lang", "frf", "--jobs", "2"}, text).out;
   EXPECT_EQ(std::count(tsv.begin(), tsv.end(), '\n'), lines);

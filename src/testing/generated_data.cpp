@@ -1,25 +1,23 @@
-#include "bench_support.hpp"
-
-#include <fcntl.h>
-#include <unistd.h>
+#include "testing/generated_data.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 #include <unordered_set>
 #include <utility>
 
+#include <QFile>
 #include <QString>
+#include <QTextStream>
+
+#include "testing/files.hpp"
 
 namespace fs = std::filesystem;
 
-namespace dialog_bench {
+namespace dialog_test {
 namespace {
 
 const char* const kOnsets[] = {"",   "",   "b",  "c",  "d",  "f",  "g",  "h",   "j",  "l",
@@ -46,33 +44,7 @@ std::string capitalised(const std::string& word) {
   return text.toUtf8().toStdString();
 }
 
-struct TempRoot {
-  TempRoot() {
-    const char* tmp = std::getenv("TMPDIR");
-    std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/dialog-bench.XXXXXX";
-    if (!mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp failed");
-    path = pattern;
-  }
-  ~TempRoot() {
-    if (std::getenv("DIALOG_BENCH_KEEP_TEMP")) return;  // for looking at the generated files
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
-  }
-  std::string path;
-};
-
-std::optional<std::string> getEnv(const char* name) {
-  const char* value = std::getenv(name);
-  if (!value) return std::nullopt;
-  return std::string(value);
-}
-
 }  // namespace
-
-const std::string& tempRoot() {
-  static const TempRoot root;
-  return root.path;
-}
 
 WordGenerator::WordGenerator(unsigned long long seed) : state_(seed * 0x9E3779B97F4A7C15ULL + 1) {}
 
@@ -148,52 +120,43 @@ void shuffle(std::vector<LemmaPair>& pairs, unsigned long long seed) {
   }
 }
 
-std::size_t writeLemmaFile(const std::string& path, const std::vector<LemmaPair>& pairs) {
-  fs::create_directories(fs::path(path).parent_path());
+std::string lemmaFileText(const std::vector<LemmaPair>& pairs) {
   std::string text;
-  for (const LemmaPair& pair : pairs) {
-    text += pair.form;
-    text += '\n';
-    text += pair.lemma;
-    text += '\n';
+  for (const LemmaPair& pair : pairs) text += pair.form + '\n' + pair.lemma + '\n';
+  return text;
+}
+
+std::map<QString, QString> plainLemmaLoad(const std::string& path) {
+  std::map<QString, QString> map;
+  QFile file(QString::fromUtf8(path.c_str()));
+  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return map;
+  QTextStream in(&file);
+  while (!in.atEnd()) {
+    const QString form = in.readLine();
+    map[form] = in.readLine();
   }
-  std::ofstream out(path, std::ios::binary);
-  out << text;
-  if (!out) throw std::runtime_error("cannot write " + path);
-  return text.size();
-}
-
-std::string lemmaPath(const std::string& prefix, const std::string& lang) {
-  return prefix + "/share/dialog/lemmatizer/" + lang + "/lemma";
-}
-
-std::string makeLemmaPrefix(const std::string& name, const std::string& lang,
-                            const std::vector<LemmaPair>& pairs) {
-  const std::string prefix = tempRoot() + "/" + name;
-  writeLemmaFile(lemmaPath(prefix, lang), pairs);
-  return prefix;
+  return map;
 }
 
 std::optional<std::string> defaultDataPrefix(const std::string& lang) {
   std::vector<std::string> candidates;
-  if (const auto list = getEnv("DIALOG_BENCH_DATA")) {
-    std::stringstream entries(*list);
-    std::string entry;
-    while (std::getline(entries, entry, ':'))
+  if (const char* list = std::getenv("DIALOG_BENCH_DATA")) {
+    std::stringstream entries(list);
+    for (std::string entry; std::getline(entries, entry, ':');)
       if (!entry.empty()) candidates.push_back(entry);
   }
-  candidates.emplace_back(DIALOG_BENCH_STAGED_PREFIX);
+  candidates.emplace_back(DIALOG_STAGED_PREFIX);
   for (const std::string& prefix : candidates) {
     std::error_code ignored;
-    if (fs::is_regular_file(lemmaPath(prefix, lang), ignored)) return prefix;
+    if (fs::is_regular_file(prefix + "/share/dialog/lemmatizer/" + lang + "/lemma", ignored))
+      return prefix;
   }
   return std::nullopt;
 }
 
 std::vector<std::string> udSentences(const std::string& lang) {
-  const std::string dir = getEnv("DIALOG_BENCH_UD").value_or(DIALOG_BENCH_UD_DIR);
-  const std::string file = lang == "frf" ? "fr_gsd-ud-dev.conllu" : "en_ewt-ud-dev.conllu";
-  std::ifstream in(dir + "/" + file);
+  const std::string file = lang == "frf" ? "/fr_gsd-ud-dev.conllu" : "/en_ewt-ud-dev.conllu";
+  std::ifstream in(DIALOG_UD_DIR + file);
   std::vector<std::string> sentences;
   const std::string marker = "# text = ";
   for (std::string line; std::getline(in, line);) {
@@ -204,24 +167,21 @@ std::vector<std::string> udSentences(const std::string& lang) {
   return sentences;
 }
 
-std::vector<std::string> generatedSentences(std::size_t n, unsigned long long seed) {
-  WordGenerator words(seed);
-  std::vector<std::string> sentences;
-  WordGenerator dice(seed + 1);
+std::vector<std::string> WordGenerator::sentences(std::size_t n) {
+  std::vector<std::string> result;
   for (std::size_t i = 0; i < n; ++i) {
-    const std::size_t length = 4 + dice.stem().size() % 17;
+    const std::size_t length = 4 + below(17);
     std::string sentence;
     for (std::size_t w = 0; w < length; ++w) {
-      if (w) sentence += ' ';
-      std::string word = words.word();
+      std::string piece = word();
       // Elisions and possessives, so that apostrophes cut words too.
-      if (word.size() % 11 == 0) word = "l'" + word;
-      if (word.size() % 13 == 0) word += "'s";
-      sentence += word;
+      if (below(11) == 0) piece = "l'" + piece;
+      if (below(13) == 0) piece += "'s";
+      sentence += (w ? " " : "") + piece;
     }
-    sentences.push_back(sentence + " .");
+    result.push_back(sentence + " .");
   }
-  return sentences;
+  return result;
 }
 
 std::vector<std::string> splitPieces(const std::string& sentence) {
@@ -235,9 +195,9 @@ std::vector<std::string> splitPieces(const std::string& sentence) {
   }
 }
 
-std::vector<std::string> realisticSentences(const std::string& lang, std::size_t fallback) {
+std::vector<std::string> realisticSentences(const std::string& lang) {
   std::vector<std::string> sentences = udSentences(lang);
-  if (sentences.empty()) sentences = generatedSentences(fallback, lang == "frf" ? 2 : 1);
+  if (sentences.empty()) sentences = WordGenerator(lang == "frf" ? 2 : 1).sentences(2000);
   return sentences;
 }
 
@@ -261,39 +221,11 @@ const RealisticData& realisticData(const std::string& lang) {
         take = !take;
       }
     shuffle(pairs, 5);
-    data = {makeLemmaPrefix("realistic_" + lang, lang, pairs), "generated"};
+    const std::string generated = processTempDir().path() + "/realistic_" + lang;
+    DataRoot(generated).write("lemmatizer/" + lang + "/lemma", lemmaFileText(pairs));
+    data = {generated, "generated"};
   }
   return cache.emplace(lang, data).first->second;
 }
 
-DataPrefixScope::DataPrefixScope(const std::string& prefix)
-    : prefix_("KU_PREFIX_PATH", prefix), xdg_("XDG_DATA_HOME", tempRoot() + "/empty-xdg") {}
-
-StdoutToNull::StdoutToNull() : saved_(-1) {
-  std::cout.flush();
-  std::fflush(stdout);
-  saved_ = dup(STDOUT_FILENO);
-  const int null = open("/dev/null", O_WRONLY);
-  if (null >= 0) {
-    dup2(null, STDOUT_FILENO);
-    close(null);
-  }
-}
-
-StdoutToNull::~StdoutToNull() {
-  std::cout.flush();
-  std::fflush(stdout);
-  if (saved_ >= 0) {
-    dup2(saved_, STDOUT_FILENO);
-    close(saved_);
-  }
-}
-
-std::size_t codePoints(const std::string& utf8) {
-  std::size_t n = 0;
-  for (const char c : utf8)
-    if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) ++n;
-  return n;
-}
-
-}  // namespace dialog_bench
+}  // namespace dialog_test

@@ -1,4 +1,4 @@
-#include "segmenter_support.hpp"
+#include "testing/mecab.hpp"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -8,28 +8,19 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <sstream>
 #include <stdexcept>
 
-#include "support/test_support.hpp"
+#include "testing/files.hpp"
+#include "testing/requirements.hpp"
 
 extern char** environ;
 
-namespace segmenter_test {
+namespace dialog_test {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string readStream(std::FILE* file) {
-  std::string text;
-  std::rewind(file);
-  char buffer[4096];
-  std::size_t got = 0;
-  while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, got);
-  return text;
-}
 
 const char kDicrc[] =
     "; resource file of the test dictionary\n"
@@ -89,6 +80,8 @@ void runIndexer(const std::vector<std::string>& arguments, const std::string& di
 class Compiled {
  public:
   Compiled() {
+    if (const std::string why = missing(Need::kDictionaryIndexer); !why.empty())
+      throw std::runtime_error(why);
     const std::string source = root_.write("source/dicrc", kDicrc);
     const std::string sourceDir = fs::path(source).parent_path().string();
     root_.write("source/matrix.def", kMatrix);
@@ -119,47 +112,13 @@ const Compiled& compiled() {
 
 }  // namespace
 
-CapturedOutput::CapturedOutput() {
-  std::fflush(stdout);
-  std::fflush(stderr);
-  std::cout.flush();
-  outFile_ = std::tmpfile();
-  errFile_ = std::tmpfile();
-  savedOut_ = dup(1);
-  savedErr_ = dup(2);
-  dup2(fileno(outFile_), 1);
-  dup2(fileno(errFile_), 2);
+std::string ipadicDir() { return DIALOG_IPADIC_DIR; }
+
+TaggerPtr openMecab(const std::string& dir) {
+  std::string program = "mecab", rc = "--rcfile=" + dir + "/dicrc", dic = "--dicdir=" + dir;
+  char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
+  return TaggerPtr(MeCab::createTagger(3, argv));
 }
-
-CapturedOutput::~CapturedOutput() {
-  finish();
-  if (outFile_ != nullptr) std::fclose(outFile_);
-  if (errFile_ != nullptr) std::fclose(errFile_);
-}
-
-void CapturedOutput::finish() {
-  if (savedOut_ < 0) return;
-  std::fflush(stdout);
-  std::fflush(stderr);
-  std::cout.flush();
-  std::cerr.flush();
-  dup2(savedOut_, 1);
-  dup2(savedErr_, 2);
-  close(savedOut_);
-  close(savedErr_);
-  savedOut_ = savedErr_ = -1;
-  out_ = readStream(outFile_);
-  err_ = readStream(errFile_);
-}
-
-WorkingDirectory::WorkingDirectory(const std::string& dir)
-    : previous_(fs::current_path().string()) {
-  fs::current_path(dir);
-}
-
-WorkingDirectory::~WorkingDirectory() { fs::current_path(previous_); }
-
-bool canBuildDictionaries() { return std::string(DIALOG_MECAB_DICT_INDEX) != ""; }
 
 void installDictionary(const std::string& dir) {
   fs::create_directories(dir);
@@ -199,4 +158,4 @@ std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) 
   return forms;
 }
 
-}  // namespace segmenter_test
+}  // namespace dialog_test
