@@ -124,100 +124,76 @@ TEST_F(OpenTaggerTest, ResourceFileFailures) {
 
 // Failures of the analyser: the versions read so far, then its error with no line end.
 TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
+  using Spoil = std::function<void()>;
   const std::string user = temp_.path() + "/user.dic";
-  const auto useUserDictionaries = [](const std::string& dic, const std::string& list) {
-    writeFile(dic + "dicrc", readFile(dic + "dicrc") + "userdic = " + list + "\n");
+  const auto remove = [&](const char* file) -> Spoil { return [=] { fs::remove(dic_ + file); }; };
+  const auto append = [&](const char* file, const std::string& text) -> Spoil {
+    return [=] { writeFile(dic_ + file, readFile(dic_ + file) + text); };
+  };
+  const auto version = [&](const std::string& path) -> Spoil {
+    return [=] { patchField(path, kVersionField, 101); };
+  };
+  const auto userdic = [&](const std::string& list) {
+    return append("dicrc", "userdic = " + list + "\n");
   };
   struct Row {
     const char* name;
-    std::function<void(const std::string& dic)> spoil;
+    std::vector<Spoil> spoil;
     std::vector<unsigned> versions;
     const char* cause;
   };
   const Row rows[] = {
-      {"unk.dic missing",
-       [](const std::string& dic) { fs::remove(dic + "unk.dic"); },
-       {},
-       "unk.dic"},
+      {"unk.dic missing", {remove("unk.dic")}, {}, "unk.dic"},
       {"unk.dic too short",
-       [](const std::string& dic) { fs::resize_file(dic + "unk.dic", 99); },
+       {[&] { fs::resize_file(dic_ + "unk.dic", 99); }},
        {},
        "dictionary file is broken"},
-      {"unk.dic version 101",
-       [](const std::string& dic) { patchField(dic + "unk.dic", kVersionField, 101); },
-       {101},
-       "incompatible version: 101"},
-      {"char.bin missing",
-       [](const std::string& dic) { fs::remove(dic + "char.bin"); },
-       {102},
-       "char_property"},  // MeCab names no cause here
-      {"char.bin of the wrong size",
-       [](const std::string& dic) {
-         writeFile(dic + "char.bin", readFile(dic + "char.bin") + "x");
-       },
-       {102},
-       "invalid file size"},
-      {"sys.dic missing",
-       [](const std::string& dic) { fs::remove(dic + "sys.dic"); },
-       {102},
-       "sys.dic"},
-      {"sys.dic longer than its magic number says",  // fails before the version is read
-       [](const std::string& dic) { writeFile(dic + "sys.dic", readFile(dic + "sys.dic") + "x"); },
-       {102},
-       "dictionary file is broken"},
-      {"sys.dic version 101",
-       [](const std::string& dic) { patchField(dic + "sys.dic", kVersionField, 101); },
-       {102, 101},
-       "incompatible version: 101"},
-      {"sys.dic sections not filling the file",  // fails after the version is read
-       [](const std::string& dic) {
-         const std::string bytes = readFile(dic + "sys.dic");
-         const unsigned featureSize =
-             static_cast<unsigned char>(bytes[32]) | static_cast<unsigned char>(bytes[33]) << 8 |
-             static_cast<unsigned char>(bytes[34]) << 16 |
-             static_cast<unsigned>(static_cast<unsigned char>(bytes[35])) << 24;
-         patchField(dic + "sys.dic", kFeatureSizeField, featureSize + 1);
-       },
+      {"unk.dic version 101", {version(dic_ + "unk.dic")}, {101}, "incompatible version: 101"},
+      {"char.bin missing", {remove("char.bin")}, {102}, "char_property"},  // MeCab names no cause
+      {"char.bin of the wrong size", {append("char.bin", "x")}, {102}, "invalid file size"},
+      {"sys.dic missing", {remove("sys.dic")}, {102}, "sys.dic"},
+      // Longer than its magic number says: fails before the version is read.
+      {"sys.dic too long", {append("sys.dic", "x")}, {102}, "dictionary file is broken"},
+      {"sys.dic version 101", {version(dic_ + "sys.dic")}, {102, 101}, "incompatible version: 101"},
+      // Sections not filling the file: fails after the version is read.
+      {"sys.dic sections short",
+       {[&] {
+         const std::string bytes = readFile(dic_ + "sys.dic");
+         unsigned size = 0;
+         for (int i = 3; i >= 0; --i)
+           size = size << 8 | static_cast<unsigned char>(bytes[kFeatureSizeField + i]);
+         patchField(dic_ + "sys.dic", kFeatureSizeField, size + 1);
+       }},
        {102, 102},
        "dictionary file is broken"},
       {"sys.dic a user dictionary",
-       [](const std::string& dic) { installUserDictionary(dic + "sys.dic"); },
+       {[&] { installUserDictionary(dic_ + "sys.dic"); }},
        {102, 102},
        "not a system dictionary"},
-      {"matrix.bin missing",
-       [](const std::string& dic) { fs::remove(dic + "matrix.bin"); },
-       {102, 102},
-       "matrix.bin"},
+      {"matrix.bin missing", {remove("matrix.bin")}, {102, 102}, "matrix.bin"},
       {"matrix.bin of the wrong size",
-       [](const std::string& dic) {
-         writeFile(dic + "matrix.bin", readFile(dic + "matrix.bin") + "xx");
-       },
+       {append("matrix.bin", "xx")},
        {102, 102},
        "file size is invalid"},
       {"user dictionary missing",
-       [&](const std::string& dic) { useUserDictionaries(dic, user + ".none"); },
+       {userdic(user + ".none")},
        {102, 102},
        "no such file or directory"},
       {"user dictionary version 101",
-       [&](const std::string& dic) {
-         patchField(user, kVersionField, 101);
-         useUserDictionaries(dic, user);
-       },
+       {version(user), userdic(user)},
        {102, 102, 101},
        "incompatible version: 101"},
       {"second user dictionary missing",
-       [&](const std::string& dic) { useUserDictionaries(dic, user + "," + user + ".none"); },
+       {userdic(user + "," + user + ".none")},
        {102, 102, 102},
        "no such file or directory"},
       {"user dictionary a system dictionary",
-       [&](const std::string& dic) {
-         fs::copy_file(dic + "sys.dic", user, fs::copy_options::overwrite_existing);
-         useUserDictionaries(dic, user);
-       },
+       {[&] { fs::copy_file(dic_ + "sys.dic", user, fs::copy_options::overwrite_existing); },
+        userdic(user)},
        {102, 102, 102},
        "not a user dictionary"},
       {"dicrc without bos-feature",
-       [](const std::string& dic) { writeFile(dic + "dicrc", "config-charset = UTF-8\n"); },
+       {[&] { writeFile(dic_ + "dicrc", "config-charset = UTF-8\n"); }},
        {102, 102},
        "bos-feature"},
   };
@@ -226,7 +202,7 @@ TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
     fs::remove_all(dic_);
     installDictionary(dic_);
     installUserDictionary(user);
-    row.spoil(dic_);
+    for (const Spoil& spoil : row.spoil) spoil();
     expectFailure(dic_);
     std::string error = mecabError(dic_, dic_);
     EXPECT_NE(error.find(row.cause), std::string::npos) << error;
