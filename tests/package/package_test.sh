@@ -1,52 +1,100 @@
 #!/usr/bin/env bash
-# Installs the build tree into a temporary prefix, then builds and runs a small
-# consumer against it, once through the CMake package and once through pkg-config.
-# Also holds the installed lemma files to the repository's checksums.
-# Usage: package_test.sh BUILD_DIR CONSUMER_SOURCE_DIR [LEMMA_SHA256SUMS]
+# The installed package, as its users meet it:
+#  - the build tree installed into a prefix with a blank, used by a consumer
+#    through the CMake package; lemma files held to the repository's checksums;
+#    only the library's own symbols exported;
+#  - a multiarch library folder without RUNPATH, used through pkg-config;
+#  - the project as an add_subdirectory() of a consumer;
+#  - the Debian packages of the build tree (cpack): contents and dependencies.
+# Usage: package_test.sh SOURCE_DIR BUILD_DIR CONSUMER_SOURCE_DIR [LEMMA_SHA256SUMS]
 set -euo pipefail
-build=$1
-consumer=$2
-sums=${3:+$(realpath "$3")}
+source=$1
+build=$2
+consumer=$3
+sums=${4:+$(realpath "$4")}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-prefix="$work/prefix with space"
-
-cmake --install "$build" --prefix "$prefix" >/dev/null
-
-# Data for the consumer, found through the lookup's first location.
 mkdir -p "$work/data/share/dialog/lemmatizer/enu"
 printf 'went\ngo\nchildren\nchild\n' >"$work/data/share/dialog/lemmatizer/enu/lemma"
 export KU_PREFIX_PATH="$work/data" XDG_DATA_HOME="$work/none" LC_ALL=C.UTF-8
+jobs=$(nproc)
 
+echo "-- installed build tree, CMake package"
+prefix="$work/prefix with space"
+cmake --install "$build" --prefix "$prefix" >/dev/null
 if [ -n "$sums" ]; then
-  echo "-- installed lemma files"
   (cd "$prefix/share/dialog/lemmatizer" && sha256sum --quiet -c "$sums")
   for code in enu frf; do
-    grep -q LICENSE <(ls "$prefix/share/dialog/lemmatizer/$code") ||
+    [ -f "$prefix/share/dialog/lemmatizer/$code/LICENSE" ] ||
       { echo "no licence beside the $code lemma file"; exit 1; }
   done
 fi
-
-echo "-- CMake package"
 cmake -S "$consumer" -B "$work/cmake-build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/cmake-build" >/dev/null
 "$work/cmake-build/consumer"
-
-echo "-- pkg-config"
-export PKG_CONFIG_PATH="$prefix/lib/pkgconfig"
-# Without -r, read honours the backslash escapes pkg-config puts before blanks.
-read -a flags <<<"$(pkg-config --cflags --libs dialog-stemmer)"
-c++ -std=c++17 "$consumer/main.cpp" -o "$work/pc-consumer" "${flags[@]}" \
-  -Wl,-rpath,"$prefix/lib"
-"$work/pc-consumer"
-
-echo "-- exported symbols"
 exported=$(nm -D --defined-only "$prefix/lib/libdialog-stemmer.so" | awk '{print $3}' | c++filt)
-unexpected=$(grep -v -E '^(ZQ::Dialog::|MeCab::createTagger\(\))' <<<"$exported" || true)
-if [ -n "$unexpected" ]; then
-  echo "unexpected exports:"
-  echo "$unexpected"
+if grep -v -E '^(ZQ::Dialog::|MeCab::createTagger\(\))' <<<"$exported"; then
+  echo "unexpected exports above"
   exit 1
 fi
 readelf -d "$prefix/lib/libdialog-stemmer.so" | grep -q 'SONAME.*libdialog-stemmer.so.1'
+
+echo "-- multiarch library folder, no RUNPATH, pkg-config"
+libdir=lib/x86_64-linux-gnu
+prefix="$work/multi arch"
+cmake -S "$source" -B "$work/ma" -DCMAKE_INSTALL_LIBDIR=$libdir -DDIALOG_INSTALL_RPATH=OFF \
+  -DDIALOG_BUILD_TESTS=OFF -DDIALOG_BUILD_TOOLS=OFF -DDIALOG_BUILD_DATA=OFF \
+  -DDIALOG_BUILD_PYTHON=OFF >/dev/null
+cmake --build "$work/ma" -j"$jobs" >/dev/null
+cmake --install "$work/ma" --prefix "$prefix" >/dev/null
+export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
+# pkg-config escapes the blank in the prefix.
+variable() { realpath "$(pkg-config --variable="$1" dialog-stemmer | sed 's/\\ / /g')"; }
+[ "$(variable libdir)" = "$prefix/$libdir" ]
+[ "$(variable includedir)" = "$prefix/include" ]
+if readelf -d "$prefix/$libdir/libdialog-stemmer.so" | grep -q -E 'RUNPATH|RPATH'; then
+  echo "RUNPATH left in although DIALOG_INSTALL_RPATH=OFF"
+  exit 1
+fi
+# Without -r, read honours the backslash escapes pkg-config puts before blanks.
+read -a flags <<<"$(pkg-config --cflags --libs dialog-stemmer)"
+c++ -std=c++17 "$consumer/main.cpp" -o "$work/pc-consumer" "${flags[@]}"
+LD_LIBRARY_PATH="$prefix/$libdir" "$work/pc-consumer"
+unset PKG_CONFIG_PATH
+
+echo "-- add_subdirectory"
+cmake -S "$consumer" -B "$work/sub" -DDIALOG_SOURCE_DIR="$source" >/dev/null
+cmake --build "$work/sub" -j"$jobs" >/dev/null
+"$work/sub/consumer"
+# As a subproject the project builds its libraries only.
+if [ -e "$work/sub/dialog-stemmer/tools" ] || [ -e "$work/sub/dialog-stemmer/tests" ]; then
+  echo "a subproject built its tools or tests"
+  exit 1
+fi
+
+command -v dpkg-deb >/dev/null || { echo "package test passed (no dpkg-deb: no cpack check)"; exit 0; }
+echo "-- Debian packages"
+(cd "$build" && cpack -G DEB -B "$work/deb" >/dev/null)
+contents() { dpkg-deb -c "$work/deb/$1"_*.deb | awk '{print $6}'; }
+expect() { contents "$1" | grep -q -- "$2" || { echo "$1 lacks $2"; exit 1; }; }
+expect libdialog-stemmer1 "/libdialog-stemmer.so.1"
+expect libdialog-stemmer1 "/libku.so"
+expect libdialog-stemmer-dev "/include/stemmer/stemmer.hpp"
+expect libdialog-stemmer-dev "/pkgconfig/dialog-stemmer.pc"
+expect libdialog-stemmer-dev "/cmake/DialogStemmer/DialogStemmerConfig.cmake"
+expect dialog-stem "/usr/bin/dialog-stem"
+expect dialog-stem "/man1/dialog-stem.1"
+expect dialog-stemmer-data-enu "/share/dialog/lemmatizer/enu/lemma"
+expect dialog-stemmer-data-enu "/share/dialog/lemmatizer/enu/LICENSE"
+expect dialog-stemmer-data-frf "/share/dialog/lemmatizer/frf/LICENSE"
+expect dialog-stemmer-data-jpj "/share/dialog/data/ipadic"
+if [ -n "$(ls "$build"/python/dialog_stemmer*.so 2>/dev/null)" ]; then
+  expect python3-dialog-stemmer "/lib/python3/dist-packages/dialog_stemmer"
+fi
+if contents libdialog-stemmer1 | grep -q -E 'include/|lemmatizer'; then
+  echo "the runtime package holds development or data files"
+  exit 1
+fi
+dpkg-deb -f "$work/deb"/dialog-stem_*.deb Depends | grep -q 'libdialog-stemmer1 (= '
+dpkg-deb -f "$work/deb"/dialog-stemmer-data-jpj_*.deb Depends | grep -q mecab-ipadic-utf8
 echo "package test passed"
