@@ -1,9 +1,11 @@
 // Runs the dialog-stem program as a process and checks its output and status.
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -154,6 +156,14 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
   EXPECT_NE(r.out.find("missing " + scratch_.path() + "/share/dialog/lemmatizer/frf/lemma"),
             std::string::npos)
       << r.out;
+  // A FIFO would block a reader: it is named, never opened.
+  const std::string fifo = scratch_.write("share/dialog/lemmatizer/frf/lemma", "");
+  ASSERT_EQ(std::remove(fifo.c_str()), 0);
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  r = run({"--check", "--lang", "frf"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find(fifo + " is not a regular file"), std::string::npos) << r.out;
+  EXPECT_NE(run({"--lang", "frf", "x"}).err.find("is not a regular file"), std::string::npos);
 }
 
 TEST_F(DialogStem, OneLinePerSentenceOnTreebankText) {

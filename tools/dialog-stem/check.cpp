@@ -1,6 +1,9 @@
 #include "check.hpp"
 
+#include <unistd.h>
+
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -8,6 +11,18 @@
 #include "stdout_to_stderr.hpp"
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
+
+std::string lemmaFileProblem(const std::string& language) {
+  const std::string path = ku::path::findData("dialog", "lemmatizer/" + language + "/lemma", false);
+  if (path.empty()) return "no " + language + " lemma file";
+  std::error_code error;
+  // The library never opens FIFOs, sockets or devices, which could block it.
+  if (!std::filesystem::is_regular_file(path, error))
+    return "the " + language + " lemma file " + path + " is not a regular file";
+  if (access(path.c_str(), R_OK) != 0)
+    return "the " + language + " lemma file " + path + " cannot be read";
+  return "";
+}
 
 int runCheck(const std::string& language) {
   const bool japanese = language == "jpj";
@@ -29,6 +44,10 @@ int runCheck(const std::string& language) {
     std::printf("dictionary directory %s: %s\n", found.c_str(),
                 opens ? "opens" : "does not open (see the trail above)");
     return opens ? 0 : 1;
+  }
+  if (const std::string problem = lemmaFileProblem(language); !problem.empty()) {
+    std::printf("%s\n", problem.c_str());
+    return 1;
   }
   const ZQ::Dialog::Stemmer stemmer(language);
   std::printf("lemma file %s: %zu pairs\n", found.c_str(), stemmer.impl->lemDic.size());

@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 
 #include "check.hpp"
-#include "ku/path.hpp"
 #include "options.hpp"
 #include "run.hpp"
 #include "stdout_to_stderr.hpp"
@@ -27,12 +26,9 @@ int run(const Options& options) {
   } else {
     stemmer = std::make_unique<ZQ::Dialog::Stemmer>(options.language);
     // Words would come back unchanged without a word of explanation otherwise.
-    const std::string lemmaFile = "lemmatizer/" + options.language + "/lemma";
-    if (ku::path::findData("dialog", lemmaFile, false).empty())
-      std::fprintf(
-          stderr,
-          "dialog-stem: warning: no %s lemma file, words come back unchanged (see --check)\n",
-          options.language.c_str());
+    if (const std::string problem = lemmaFileProblem(options.language); !problem.empty())
+      std::fprintf(stderr, "dialog-stem: warning: %s, words come back unchanged (see --check)\n",
+                   problem.c_str());
   }
   return runStemming(*stemmer, options);
 }

@@ -62,6 +62,12 @@ void stemBlock(ZQ::Dialog::Stemmer& stemmer, const Options& options,
 
 }  // namespace
 
+int lineTooLong(std::size_t number) {
+  if (std::fflush(stdout) != 0) fail("cannot write standard output");
+  std::fprintf(stderr, "dialog-stem: line %zu is longer than 1 GiB; stopped before it\n", number);
+  return 1;
+}
+
 void writeOut(const char* bytes, std::size_t size) {
   if (size && std::fwrite(bytes, 1, size, stdout) != size) fail("cannot write standard output");
 }
@@ -71,18 +77,24 @@ int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
   const bool interactive = isatty(STDIN_FILENO) || isatty(STDOUT_FILENO);
   const std::size_t blockLines = interactive ? 1 : kBlockLines;
   const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
-  std::size_t next = 0;  // next SENTENCE argument
+  std::size_t next = 0;     // next SENTENCE argument
+  std::size_t number = 0;   // lines read so far
+  std::size_t tooLong = 0;  // the number of a line over kMaxLineBytes, once read
   // Fills `block` with up to blockLines lines; false when there were none.
   const auto fill = [&](std::vector<std::string>& block) {
     block.clear();
     std::size_t bytes = 0;
     std::string line;
-    while (block.size() < blockLines && bytes < kBlockBytes) {
+    while (block.size() < blockLines && bytes < kBlockBytes && !tooLong) {
       if (!options.inputs.empty()) {
         if (next == options.inputs.size()) break;
         line = options.inputs[next++];
         if (!line.empty() && line.back() == '\r') line.pop_back();
       } else if (!readLine(line)) {
+        break;
+      }
+      if (++number, line.size() > kMaxLineBytes) {
+        tooLong = number;
         break;
       }
       bytes += line.size();
@@ -119,6 +131,7 @@ int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
     if (interactive && std::fflush(stdout) != 0) fail("cannot write standard output");
     if (filled < jobs) break;
   }
+  if (tooLong) return lineTooLong(tooLong);
   if (std::fflush(stdout) != 0 || std::ferror(stdout)) fail("cannot write standard output");
   return 0;
 }

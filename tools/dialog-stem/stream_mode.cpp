@@ -37,10 +37,17 @@ int runStreamMode(const std::string& algorithm) {
     return 2;
   }
   std::string block;
+  std::size_t number = 1, length = 0;  // the current line's number and length so far
   int c;
   while ((c = std::getchar()) != EOF) {
+    if (++length > kMaxLineBytes + 1) {
+      stemBlock(stemmer, block.erase(block.size() - (length - 1)));
+      return lineTooLong(number);
+    }
     block.push_back(static_cast<char>(c));
-    if (c == '\n' && block.size() >= kBlockBytes) stemBlock(stemmer, block);
+    if (c != '\n') continue;
+    ++number, length = 0;
+    if (block.size() >= kBlockBytes) stemBlock(stemmer, block);
   }
   if (std::ferror(stdin)) {
     std::perror("dialog-stem: cannot read standard input");
