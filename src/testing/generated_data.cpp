@@ -221,9 +221,10 @@ const RealisticData& realisticData(const std::string& lang) {
         take = !take;
       }
     shuffle(pairs, 5);
-    const std::string generated = processTempDir().path() + "/realistic_" + lang;
-    DataRoot(generated).write("lemmatizer/" + lang + "/lemma", lemmaFileText(pairs));
-    data = {generated, "generated"};
+    const std::string name = "realistic_" + lang;
+    processTempDir().write(name + "/share/dialog/lemmatizer/" + lang + "/lemma",
+                           lemmaFileText(pairs));
+    data = {processTempDir().path() + "/" + name, "generated"};
   }
   return cache.emplace(lang, data).first->second;
 }
