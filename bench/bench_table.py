@@ -1,170 +1,82 @@
 #!/usr/bin/env python3
-"""Prints one table from the benchmark programs' JSON output.
+"""Prints one table from dialog_bench's JSON aggregates; see bench/README.md.
 
-Benchmarks are named <operation>/<case>/<implementation>. For each row: the
-median over the repetitions, the range from the fastest to the slowest
-repetition, and the ratio of the median to the case's reference baseline.
-Ratios are of times for operations measured in time (lower is better) and of
-rates for operations measured in throughput (higher is better).
+Benchmarks are named <operation>/<case>/<implementation>.
 """
 
 import json
 import re
-import statistics
 import sys
-from collections import OrderedDict
 
-# operation: (metric, unit, lower is better, reference baseline, target)
-# target: (comparison, bound) on the library's ratio to the reference, or a
-# dict of them by case, "*" for the other cases.
+# operation: (figure, unit, baseline, bound on the library's ratio by case or
+# "*"). Memory bounds are on the figure itself; times and memory are better
+# lower, rates higher.
 OPERATIONS = {
-    "construct": ("ms_per_100k", "ms/100k pairs", True, "readline_map",
-                  {"default_frf": ("<=", 0.60), "default_enu": ("<=", 0.75), "*": ("<=", 1.0)}),
-    "stemword": ("items_per_second", "words/s", False, "two_lookup", (">=", 0.90)),
-    "sentence": ("items_per_second", "sentences/s", False, "hand_split", (">=", 0.95)),
-    "stream": ("items_per_second", "lines/s", False, "getline_stem", (">=", 0.85)),
-    "jpj_open": ("real_time", "ms", True, "mecab_open", ("<=", 1.30)),
-    "mecab_walk": ("chars_per_second", "chars/s", False, "bare_walk", None),
+    "construct": ("ms_per_100k", "ms/100k pairs", "readline_map",
+                  {"default_frf": 0.60, "default_enu": 0.75, "*": 1.0}),
+    "stemword": ("items_per_second", "words/s", "two_lookup", {"*": 0.90}),
+    "sentence": ("words_per_second", "words/s", "hand_split", {"*": 0.95}),
+    "stream": ("items_per_second", "lines/s", "getline_stem", {"*": 0.85}),
+    "jpjOpen": ("real_time", "ms", "mecab_open", {"*": 1.30}),  # registered in milliseconds
+    "mecabWalk": ("chars_per_second", "chars/s", "bare_walk", {}),
+    "memory": ("bytes_per_entry", "B/entry", "readline_map", {"default_frf": 150, "*": 200}),
 }
-# Bytes per dictionary entry, peak resident growth while loading.
-MEMORY_TARGETS = {"default_frf": 150.0, "*": 200.0}
+LOWER = ("construct", "jpjOpen", "memory")
 
 
-def human(value, unit):
-    if unit in ("ms", "ms/100k pairs", "B/entry"):
-        return f"{value:.3g}" if value < 1000 else f"{value:.0f}"
+def human(value):
     for scale, suffix in ((1e9, "G"), (1e6, "M"), (1e3, "k")):
         if value >= scale:
-            return f"{value / scale:.2f}{suffix}"
-    return f"{value:.1f}"
+            return f"{value / scale:.3g}{suffix}"
+    return f"{value:.3g}"
 
 
-def to_ms(benchmark, value):
-    factor = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}[benchmark.get("time_unit", "ns")]
-    return value * factor
+def metric(name):
+    return OPERATIONS[name.split("/")[0]][0]
 
 
-def load(paths):
-    runs = OrderedDict()  # name -> list of repetition records
-    errors = OrderedDict()
-    context = None
-    order = {}  # name -> (file, registration order), as interleaving shuffles runs
-    for file_index, path in enumerate(paths):
-        with open(path, encoding="utf-8") as handle:
-            data = json.load(handle)
-        context = context or data.get("context", {})
-        for benchmark in data.get("benchmarks", []):
-            name = benchmark.get("run_name", benchmark["name"])
-            # Drop the suffixes that settings add (real_time, min_time:...).
-            name = re.sub(r"/(real_time|manual_time|min_time:[0-9.]+|repeats:[0-9]+)", "", name)
-            operation = name.split("/", 1)[0]
-            rank = list(OPERATIONS).index(operation) if operation in OPERATIONS else len(OPERATIONS)
-            order.setdefault(name, (rank, file_index, benchmark.get("family_index", 0)))
-            if benchmark.get("error_occurred"):
-                errors[name] = benchmark.get("error_message", "error")
-                continue
-            if benchmark.get("run_type") == "aggregate":
-                continue
-            runs.setdefault(name, []).append(benchmark)
-    runs = OrderedDict(sorted(runs.items(), key=lambda item: order[item[0]]))
-    errors = OrderedDict(sorted(errors.items(), key=lambda item: order[item[0]]))
-    return runs, errors, context
-
-
-def metric_values(records, metric):
-    values = []
-    for record in records:
-        if metric == "real_time":
-            values.append(to_ms(record, record["real_time"]))
-        elif metric in record:
-            values.append(float(record[metric]))
-    return values
-
-
-def main(paths):
-    runs, errors, context = load(paths)
-    medians = {}
-    rows = []
-    for name, records in runs.items():
-        operation, _, implementation = name.partition("/")
-        case, _, implementation = implementation.rpartition("/")
-        if operation not in OPERATIONS:
-            continue
-        metric, unit, lower, reference, target = OPERATIONS[operation]
-        values = metric_values(records, metric)
-        if not values:
-            continue
-        medians[(operation, case, implementation)] = statistics.median(values)
-        rows.append((operation, case, implementation, unit, values, records))
-
-    header = ("operation", "median", "min – max", "unit", "vs baseline", "target")
-    table = []
-    verdicts = []
-    for operation, case, implementation, unit, values, records in rows:
-        metric, _, lower, reference, target = OPERATIONS[operation]
-        median = medians[(operation, case, implementation)]
-        base = medians.get((operation, case, reference))
-        ratio_text = target_text = ""
-        if implementation == reference:
-            ratio_text = "(baseline)"
-        elif base:
-            ratio = median / base
-            ratio_text = f"{ratio:.2f}× {reference}" if ratio >= 0.1 else f"{ratio:.2g}× {reference}"
-            if isinstance(target, dict):
-                target = target.get(case, target["*"])
-            if target and implementation == "library":
-                comparison, bound = target
-                met = ratio <= bound if comparison == "<=" else ratio >= bound
-                target_text = f"{comparison} {bound:.2f} {'met' if met else 'MISSED'}"
-                verdicts.append(met)
-        label = records[0].get("label", "")
-        if operation == "jpj_open" and label:
-            target_text += f" ({label})"
-        table.append((f"{operation}/{case}/{implementation}", human(median, unit),
-                      f"{human(min(values), unit)} – {human(max(values), unit)}", unit,
-                      ratio_text, target_text))
-        if operation == "sentence":
-            words = metric_values(records, "words_per_second")
-            if words:
-                table.append(("  (same, in words)", human(statistics.median(words), "words/s"),
-                              f"{human(min(words), 'words/s')} – {human(max(words), 'words/s')}",
-                              "words/s", "", ""))
-
-    # Memory: one measurement per construction case and implementation.
-    for operation, case, implementation, unit, values, records in rows:
-        if operation != "construct" or implementation == "read_bytes":
-            continue
-        memory = [float(r["bytes_per_entry"]) for r in records if "bytes_per_entry" in r]
-        if not memory:
-            continue
-        value = statistics.median(memory)
-        target_text = ""
-        if implementation == "library":
-            bound = MEMORY_TARGETS.get(case, MEMORY_TARGETS["*"])
-            met = value <= bound
-            verdicts.append(met)
-            target_text = f"<= {bound:.0f} {'met' if met else 'MISSED'}"
-        table.append((f"memory/{case}/{implementation}", human(value, "B/entry"), "", "B/entry",
-                      "", target_text))
-
-    for name, message in errors.items():
-        table.append((name, "skipped", "", "", message, ""))
-
-    widths = [max(len(str(row[i])) for row in [header] + table) for i in range(len(header))]
-    line = lambda row: "  ".join(str(cell).ljust(width) for cell, width in zip(row, widths)).rstrip()
-    print(line(header))
-    print(line(["-" * width for width in widths]))
-    for row in table:
-        print(line(row))
-    if context:
-        print()
-        print(f"{context.get('num_cpus', '?')} CPUs at {context.get('mhz_per_cpu', '?')} MHz, "
-              f"{context.get('date', '')}")
-    if verdicts:
-        print(f"targets met: {sum(verdicts)} of {len(verdicts)}")
+def main(path):
+    with open(path, encoding="utf-8") as f:
+        data = json.load(f)
+    runs, errors = {}, {}
+    for run in data["benchmarks"]:
+        name = re.sub(r"/(real_time|manual_time)$", "", run["run_name"])
+        if run.get("error_occurred"):
+            errors[name] = run.get("error_message", "")
+        else:  # a single repetition reports no aggregates
+            runs.setdefault(name, {}).setdefault(run.get("aggregate_name", "median"), run)
+    for name in [n for n in runs if "bytes_per_entry" in runs[n]["median"]]:
+        runs[name.replace("construct/", "memory/")] = runs[name]
+    medians = {name: run["median"][metric(name)] for name, run in runs.items()}
+    rows, met = [], []
+    for name in sorted(runs, key=lambda n: (list(OPERATIONS).index(n.split("/")[0]),
+                                            runs[n]["median"]["family_index"])):
+        operation, case, impl = name.split("/")
+        _, unit, baseline, bounds = OPERATIONS[operation]
+        cv = runs[name]["cv"][metric(name)] if "cv" in runs[name] else None
+        base = medians.get(f"{operation}/{case}/{baseline}")
+        ratio = medians[name] / base if base else None
+        digits = ".2f" if ratio and ratio >= 0.1 else ".2g"
+        versus = "(baseline)" if impl == baseline else f"{ratio:{digits}}× {baseline}" if ratio else ""
+        bound, target = bounds.get(case, bounds.get("*")), ""
+        checked = medians[name] if operation == "memory" else ratio
+        if impl == "library" and bound is not None and checked is not None:
+            ok = checked <= bound if operation in LOWER else checked >= bound
+            met.append(ok)
+            target = f"{'<=' if operation in LOWER else '>='} {bound:g} {'met' if ok else 'MISSED'}"
+        rows.append((name, human(medians[name]), "" if cv is None else f"{cv:.1%}", unit, versus,
+                     target))
+    rows += [(name, "skipped", "", "", message, "") for name, message in errors.items()]
+    header = ("benchmark", "median", "cv", "unit", "vs baseline", "target")
+    widths = [max(len(row[i]) for row in [header] + rows) for i in range(len(header))]
+    for row in [header, ["-" * w for w in widths]] + rows:
+        print("  ".join(cell.ljust(w) for cell, w in zip(row, widths)).rstrip())
+    context = data["context"]
+    print(f"\n{context['num_cpus']} CPUs at {context['mhz_per_cpu']} MHz, {context['date']}")
+    print(f"targets met: {sum(met)} of {len(met)}")
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2:
-        sys.exit("usage: bench_table.py RESULT.json...")
-    main(sys.argv[1:])
+    if len(sys.argv) != 2:
+        sys.exit("usage: bench_table.py RESULT.json")
+    main(sys.argv[1])
