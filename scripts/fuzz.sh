@@ -3,7 +3,9 @@
 # and runs each for a bounded time, starting from the seed corpus in
 # tests/fuzz/corpus/<target>.
 # Usage: scripts/fuzz.sh [SECONDS_PER_TARGET]   (default 15: about two minutes in all)
-# Inputs may reach 70,000 bytes, past the 64 KiB caps of the targets.
+# Inputs may reach 70,000 bytes, past the targets' 68 KiB cap. libFuzzer grows
+# its length limit slowly, so seeds past the library's 64 KiB read step start
+# mutations at that size (a mutation may keep its input's length).
 # New inputs go to build-fuzz/corpus/<target>; a crashing input is kept in
 # build-fuzz/artifacts/ and ends the script with a failure.
 set -euo pipefail
