@@ -62,12 +62,12 @@ void runIndexer(const std::vector<std::string>& arguments, const std::string& di
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 1, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
   posix_spawn_file_actions_adddup2(&actions, 1, 2);
-  // The indexer finds its inputs relative to the working directory.
-  const std::string here = fs::current_path().string();
-  fs::current_path(dir);
   pid_t pid = 0;
-  const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-  fs::current_path(here);
+  int spawned = 0;
+  {
+    const WorkingDirectory cd(dir);  // the indexer finds its inputs relative to it
+    spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+  }
   posix_spawn_file_actions_destroy(&actions);
   int status = 0;
   if (spawned != 0 || waitpid(pid, &status, 0) != pid || !WIFEXITED(status) ||
