@@ -142,7 +142,9 @@ class MorphemePath : public testing::Test {
     impl_.stemmer = sb_stemmer_new("english", "UTF_8");
     impl_.tagger = tagger_.get();
   }
-  void TearDown() override { sb_stemmer_delete(impl_.stemmer); }
+  void TearDown() override {
+    if (impl_.stemmer) sb_stemmer_delete(impl_.stemmer);  // none when skipped
+  }
   Stems run(const std::string& sentence, Stems stems = {}) {
     impl_.stem_sentence(sentence, stems);
     return stems;
