@@ -26,6 +26,19 @@ void writeFile(const std::string& path, const std::string& contents) {
   if (!out) throw std::runtime_error("cannot write " + path);
 }
 
+namespace {
+
+// Writes `contents` to base/relative, creating its parent directories.
+std::string writeBelow(const fs::path& base, const std::string& relative,
+                       const std::string& contents) {
+  const fs::path target = base / relative;
+  fs::create_directories(target.parent_path());
+  writeFile(target.string(), contents);
+  return target.string();
+}
+
+}  // namespace
+
 TempDir::TempDir() {
   std::string pattern = (fs::temp_directory_path() / "dialog-test-XXXXXX").string();
   if (!mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp failed");
@@ -38,10 +51,7 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::write(const std::string& relative, const std::string& contents) const {
-  const fs::path target = fs::path(path_) / relative;
-  fs::create_directories(target.parent_path());
-  writeFile(target.string(), contents);
-  return target.string();
+  return writeBelow(path_, relative, contents);
 }
 
 const TempDir& processTempDir() {
@@ -75,10 +85,7 @@ DataRoot::DataRoot(const std::string& prefix)
       homeEnv_("HOME", home_.path()) {}
 
 std::string DataRoot::write(const std::string& relative, const std::string& contents) const {
-  const fs::path target = fs::path(prefix_) / "share/dialog" / relative;
-  fs::create_directories(target.parent_path());
-  writeFile(target.string(), contents);
-  return target.string();
+  return writeBelow(fs::path(prefix_) / "share/dialog", relative, contents);
 }
 
 std::string DataRoot::linkDictionary(const std::string& dir) const {

@@ -100,7 +100,7 @@ class Compiled {
   const std::string& user() const { return user_; }
 
  private:
-  dialog_test::TempDir root_;
+  TempDir root_;
   std::string system_;
   std::string user_;
 };
