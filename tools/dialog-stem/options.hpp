@@ -6,7 +6,9 @@
 
 #include <QStringList>
 
-enum class Format { Lines, Tsv, Jsonl };
+#include "corpus/format.hpp"
+
+using dialog_corpus::Format;
 
 // What the command line asks for.
 struct Options {

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "output.hpp"
+#include "corpus/line_stemmer.hpp"
 
 namespace {
 
@@ -47,17 +47,9 @@ bool readLine(std::string& line) {
 
 void stemBlock(ZQ::Dialog::Stemmer& stemmer, const Options& options,
                std::vector<std::string>& lines, std::string& out) {
-  std::vector<std::string> elements;
-  for (std::string& line : lines) {
-    elements.clear();
-    if (options.words) {
-      elements.emplace_back();
-      stemmer.stemword(line, elements.back());
-    } else {
-      stemmer.stem_sentence(line, elements);
-    }
-    formatRecord(options.format, options.words, elements, out);
-  }
+  dialog_corpus::LineStemmer lineStemmer(stemmer);
+  for (const std::string& line : lines)
+    lineStemmer.stemRecord(line, options.format, options.words, out);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
-#include "output.hpp"
+#include "corpus/format.hpp"
 
 #include <cstdio>
 
+namespace dialog_corpus {
 namespace {
 
 // Length of the valid UTF-8 sequence at `s[i]`, or 0 when it is not one
@@ -93,3 +94,5 @@ void formatRecord(Format format, bool words, const std::vector<std::string>& ele
       return;
   }
 }
+
+}  // namespace dialog_corpus

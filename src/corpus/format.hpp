@@ -1,10 +1,13 @@
-#ifndef DIALOG_STEM_OUTPUT_HPP
-#define DIALOG_STEM_OUTPUT_HPP
+#ifndef DIALOG_CORPUS_FORMAT_HPP
+#define DIALOG_CORPUS_FORMAT_HPP
 
 #include <string>
 #include <vector>
 
-#include "options.hpp"
+namespace dialog_corpus {
+
+// How one input line's result is written: the formats of dialog-stem --format.
+enum class Format { Lines, Tsv, Jsonl };
 
 // Appends one input line's result to `out` in `format`. `elements` are what
 // stem_sentence appended, or (with `words`) the one stemword result.
@@ -17,4 +20,6 @@ void formatRecord(Format format, bool words, const std::vector<std::string>& ele
 // Appends `text` as a JSON string literal, always valid JSON.
 void appendJsonString(const std::string& text, std::string& out);
 
-#endif  // DIALOG_STEM_OUTPUT_HPP
+}  // namespace dialog_corpus
+
+#endif  // DIALOG_CORPUS_FORMAT_HPP
