@@ -31,10 +31,15 @@ Capitalised variants (sentence-initial words) of words in the word list
 or wink-lexicon get the lower-case lemma, unless the word list has the
 capitalised form as a word of its own (names such as "Bush"); that
 exception is itself overridden for common words whose most frequent
-reading is not a noun ("It", "In", "Best"). Common non-noun words also get
-an all-capitals variant ("THE", "FREE"). The evidence rules of evidence.py
+reading is not a noun ("It", "In", "Best"). Common words also get an
+all-capitals variant ("THE", "FREE", "ORDERS"), nouns only from three
+letters on (shorter capitals are mostly acronyms: "AD"). The evidence rules of evidence.py
 then settle what the lexicons leave open; the contraction pieces and the
-contraction tokens ("n't", "'ll") keep the tables' lemmas.
+contraction tokens ("n't", "'ll") keep the tables' lemmas. Last, two rules
+that nothing overrides (lemmacommon.apply_final_rules): a lower-case form
+gets a lower-case lemma ("airlines" -> "airline", "me" -> "i"), and a single
+letter stands for a longer word only as a contraction piece ("t" -> "not";
+"b" is not "billion", "u" not "you").
 """
 
 import argparse
@@ -81,8 +86,7 @@ FUNCTION_WORDS = {
     "ll": "will", "wo": "will", "d": "would", "ca": "can", "t": "not",
     "couldn": "could", "wouldn": "would", "shouldn": "should",
     "mustn": "must", "needn": "need", "mightn": "might",
-    "i": "I", "me": "I", "him": "he", "us": "we", "them": "they",
-    "u": "you",
+    "me": "i", "him": "he", "us": "we", "them": "they",
     "thanks": "thanks", "regards": "regards", "others": "other",
     "an": "a", "these": "this", "those": "that",
 }
@@ -319,12 +323,13 @@ def build(wn_dir, words_path, wink_dir, treebanks):
                 and (lower[form] == form or not tags[0].startswith("VB"))
                 and cap not in NAMES):
             mapping[cap] = lower[form]
-    # Words written in capitals ("FREE", "THE"): common words only.
+    # Words written in capitals ("FREE", "THE", "ORDERS"): common words only,
+    # nouns from three letters on.
     for form in sorted(lower):
         tags = wink.get(form)
         upper = form.upper()
-        if (tags and tags[0] not in NOUN_TAGS and len(form) > 1
-                and upper != form and upper not in attested
+        if (tags and (tags[0] not in NOUN_TAGS or len(form) > 2)
+                and len(form) > 1 and upper != form and upper not in attested
                 and len(upper) == len(form)):
             mapping[upper] = lower[form]
     # Only words of the word list or wink-lexicon get a capitalised
@@ -337,6 +342,8 @@ def build(wn_dir, words_path, wink_dir, treebanks):
     for token in sorted(CONTRACTIONS):
         mapping[token] = mapping[token.upper()] = CONTRACTIONS[token]
     evidence.add_typographic_apostrophes(mapping)
+    lemmacommon.apply_final_rules(
+        mapping, {w for w in FUNCTION_WORDS if len(w) == 1})
     return mapping
 
 
