@@ -33,13 +33,13 @@ capitalised form as a word of its own (names such as "Bush"); that
 exception is itself overridden for common words whose most frequent
 reading is not a noun ("It", "In", "Best"). Common words also get an
 all-capitals variant ("THE", "FREE", "ORDERS"), nouns only from three
-letters on (shorter capitals are mostly acronyms: "AD"). The evidence rules of evidence.py
-then settle what the lexicons leave open; the contraction pieces and the
-contraction tokens ("n't", "'ll") keep the tables' lemmas. Last, two rules
-that nothing overrides (lemmacommon.apply_final_rules): a lower-case form
-gets a lower-case lemma ("airlines" -> "airline", "me" -> "i"), and a single
-letter stands for a longer word only as a contraction piece ("t" -> "not";
-"b" is not "billion", "u" not "you").
+letters on (shorter capitals are mostly acronyms: "AD"). The evidence rules
+of evidence.py then settle what the lexicons leave open; the contraction
+pieces and the contraction tokens ("n't", "'ll") keep the tables' lemmas.
+Last, two rules that nothing overrides (lemmacommon.apply_final_rules): a
+lower-case form gets a lower-case lemma ("airlines" -> "airline", "me" ->
+"i"), and a single letter stands for a longer word only as a contraction
+piece ("t" -> "not"; "b" is not "billion", "u" not "you").
 """
 
 import argparse
