@@ -111,6 +111,16 @@ CONTRACTIONS = {
 
 NOUN_TAGS = {"NN", "NNS", "NNP", "NNPS"}
 
+# Months and weekdays as written short, with or without a full stop.
+ABBREVIATIONS = {
+    "Jan": "January", "Feb": "February", "Mar": "March", "Apr": "April",
+    "Jun": "June", "Jul": "July", "Aug": "August", "Sep": "September",
+    "Sept": "September", "Oct": "October", "Nov": "November",
+    "Dec": "December", "Mon": "Monday", "Tue": "Tuesday", "Tues": "Tuesday",
+    "Wed": "Wednesday", "Thu": "Thursday", "Thur": "Thursday",
+    "Thurs": "Thursday", "Fri": "Friday", "Sat": "Saturday", "Sun": "Sunday",
+}
+
 # Capitalised words that are names even though the lower-case word is common.
 NAMES = {
     "January", "February", "March", "April", "May", "June", "July",
@@ -332,11 +342,42 @@ def build(wn_dir, words_path, wink_dir, treebanks):
                 and len(form) > 1 and upper != form and upper not in attested
                 and len(upper) == len(form)):
             mapping[upper] = lower[form]
-    # Only words of the word list or wink-lexicon get a capitalised
-    # variant: WordNet also lists names in lower case ("hamas").
-    common = {f: l for f, l in lower.items() if f in words or f in wink}
+    # Names written in capitals ("LOPEZ" -> "Lopez"): capitalised words of
+    # the word list whose lower-case spelling it lacks, from four letters on
+    # (shorter ones are mostly acronyms: "EU").
+    for name in sorted(attested - set(NAMES)):
+        upper = name.upper()
+        if (len(name) > 3 and name[1:].islower() and len(upper) == len(name)
+                and name.lower() not in words and upper not in mapping):
+            mapping[upper] = name
+    # Plurals of capitalised nouns ("Christians", "Jews"): the word list has
+    # the singular capitalised and WordNet has it as a noun, but the plural
+    # is no lemma of its own ("Edwards", "Mars" are).
+    for name in sorted(attested):
+        single = name[:-1]
+        if (name.endswith("s") and not name.endswith("ss")
+                and single in attested and name not in mapping
+                and single.lower() in index["n"]
+                and not morphy.is_lemma(name.lower())):
+            mapping[name] = single
+    for short, month_or_day in sorted(ABBREVIATIONS.items()):
+        mapping[short] = mapping[short + "."] = month_or_day
+    # Round thousands written with a group separator ("12,000" -> "12000").
+    for n in range(1, 1000):
+        mapping["%d,000" % n] = "%d000" % n
+    # Sentence-initial variants, only for words wink-lexicon knows and for
+    # inflected forms of the word list; capitalised, the rarer words are
+    # more often names ("Mariner", "Liberty"), and WordNet lists names in
+    # lower case ("hamas"). Base nouns and adjectives that WordNet's tagged
+    # corpus never shows are left out for the same reason ("Jihad").
+    common = {f: l for f, l in lower.items()
+              if (f in wink and not (l == f and wink[f][0] in ("NN", "JJ")
+                                     and counts.get(f, 0) == 0))
+              or (f in words and l != f)}
     lemmacommon.add_capitalised(mapping, common, attested)
-    evidence.apply_attested(mapping, evidence.read_conllu(treebanks))
+    readings = evidence.read_conllu(treebanks)
+    evidence.apply_attested(mapping, readings)
+    evidence.add_capitals(mapping, readings)
     for piece in sorted(CONTRACTION_PIECES):
         mapping[piece] = FUNCTION_WORDS[piece]
     for token in sorted(CONTRACTIONS):
