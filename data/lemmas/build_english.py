@@ -27,15 +27,21 @@ How a lemma is chosen for a lower-case form:
   3. forms wink-lexicon does not know keep themselves when they are a
      WordNet lemma of their own, else take the first candidate of the
      verb, noun, adjective rules in that order.
-Capitalised variants (sentence-initial words) of words in the word list
-or wink-lexicon get the lower-case lemma, unless the word list has the
-capitalised form as a word of its own (names such as "Bush"); that
-exception is itself overridden for common words whose most frequent
-reading is not a noun ("It", "In", "Best"). Common words also get an
+Capitalised variants (sentence-initial words) of words wink-lexicon knows
+and of inflected forms of the word list get the lower-case lemma, unless
+the word list has the capitalised form as a word of its own (names such as
+"Bush"); that exception is itself overridden for common words whose most
+frequent reading is not a noun ("It", "In", "Best"). Rare base words get
+none (capitalised, they are mostly names). Common words also get an
 all-capitals variant ("THE", "FREE", "ORDERS"), nouns only from three
-letters on (shorter capitals are mostly acronyms: "AD"). The evidence rules
-of evidence.py then settle what the lexicons leave open; the contraction
-pieces and the contraction tokens ("n't", "'ll") keep the tables' lemmas.
+letters on (shorter capitals are mostly acronyms: "AD"), and so do names of
+the word list ("LOPEZ" -> "Lopez"). Plurals of capitalised nouns take their
+singular ("Christians"), short month and weekday names their full name,
+round thousands their digits ("12,000" -> "12000"). The evidence rules of
+evidence.py then settle what the lexicons leave open, and all-capitals
+forms the evidence never shows follow their other spellings' evidence; the
+contraction pieces and the contraction tokens ("n't", "'ll") keep the
+tables' lemmas.
 Last, two rules that nothing overrides (lemmacommon.apply_final_rules): a
 lower-case form gets a lower-case lemma ("airlines" -> "airline", "me" ->
 "i"), and a single letter stands for a longer word only as a contraction
@@ -111,15 +117,6 @@ CONTRACTIONS = {
 
 NOUN_TAGS = {"NN", "NNS", "NNP", "NNPS"}
 
-# Months and weekdays as written short, with or without a full stop.
-ABBREVIATIONS = {
-    "Jan": "January", "Feb": "February", "Mar": "March", "Apr": "April",
-    "Jun": "June", "Jul": "July", "Aug": "August", "Sep": "September",
-    "Sept": "September", "Oct": "October", "Nov": "November",
-    "Dec": "December", "Mon": "Monday", "Tue": "Tuesday", "Tues": "Tuesday",
-    "Wed": "Wednesday", "Thu": "Thursday", "Thur": "Thursday",
-    "Thurs": "Thursday", "Fri": "Friday", "Sat": "Saturday", "Sun": "Sunday",
-}
 
 # Capitalised words that are names even though the lower-case word is common.
 NAMES = {
@@ -128,6 +125,10 @@ NAMES = {
     "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday",
     "Sunday",
 }
+# Months and weekdays written short, with or without a full stop.
+SHORT_NAMES = {name[:3]: name for name in NAMES if name != "May"}
+SHORT_NAMES.update(Sept="September", Tues="Tuesday", Thur="Thursday",
+                   Thurs="Thursday")
 
 
 def parse_args(argv):
@@ -342,17 +343,14 @@ def build(wn_dir, words_path, wink_dir, treebanks):
                 and len(form) > 1 and upper != form and upper not in attested
                 and len(upper) == len(form)):
             mapping[upper] = lower[form]
-    # Names written in capitals ("LOPEZ" -> "Lopez"): capitalised words of
-    # the word list whose lower-case spelling it lacks, from four letters on
-    # (shorter ones are mostly acronyms: "EU").
+    # Names in capitals, from four letters on (shorter ones: acronyms, "EU").
     for name in sorted(attested - set(NAMES)):
         upper = name.upper()
         if (len(name) > 3 and name[1:].islower() and len(upper) == len(name)
                 and name.lower() not in words and upper not in mapping):
             mapping[upper] = name
-    # Plurals of capitalised nouns ("Christians", "Jews"): the word list has
-    # the singular capitalised and WordNet has it as a noun, but the plural
-    # is no lemma of its own ("Edwards", "Mars" are).
+    # Plurals of capitalised nouns ("Christians"), when the plural is no
+    # WordNet lemma of its own ("Edwards", "Mars" are).
     for name in sorted(attested):
         single = name[:-1]
         if (name.endswith("s") and not name.endswith("ss")
@@ -360,16 +358,14 @@ def build(wn_dir, words_path, wink_dir, treebanks):
                 and single.lower() in index["n"]
                 and not morphy.is_lemma(name.lower())):
             mapping[name] = single
-    for short, month_or_day in sorted(ABBREVIATIONS.items()):
-        mapping[short] = mapping[short + "."] = month_or_day
+    for short, name in sorted(SHORT_NAMES.items()):
+        mapping[short] = mapping[short + "."] = name
     # Round thousands written with a group separator ("12,000" -> "12000").
     for n in range(1, 1000):
         mapping["%d,000" % n] = "%d000" % n
-    # Sentence-initial variants, only for words wink-lexicon knows and for
-    # inflected forms of the word list; capitalised, the rarer words are
-    # more often names ("Mariner", "Liberty"), and WordNet lists names in
-    # lower case ("hamas"). Base nouns and adjectives that WordNet's tagged
-    # corpus never shows are left out for the same reason ("Jihad").
+    # Sentence-initial variants: only for words wink-lexicon knows (but base
+    # nouns and adjectives WordNet never tags) and inflected forms of the
+    # word list. Capitalised, rarer words are mostly names ("Mariner").
     common = {f: l for f, l in lower.items()
               if (f in wink and not (l == f and wink[f][0] in ("NN", "JJ")
                                      and counts.get(f, 0) == 0))

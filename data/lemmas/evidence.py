@@ -75,10 +75,12 @@ def add_capitals(mapping, readings, min_length=3):
     capitals are mostly acronyms."""
     for form in sorted(readings, key=lemmacommon.utf16_key):
         upper = form.upper()
-        if (upper == form or len(upper) != len(form) or len(form) < min_length
-                or upper in readings or not lemmacommon.valid_entry(form)):
+        if (upper == form or len(upper) != len(form)
+                or len(form) < min_length or upper in readings
+                or not lemmacommon.valid_entry(form)):
             continue
-        if form.islower() or (form[1:].islower() and form.lower() not in readings):
+        if form.islower() or (form[1:].islower()
+                              and form.lower() not in readings):
             lemma = attested_lemma(readings[form], mapping.get(form, form))
             if lemma is not None and lemmacommon.valid_entry(lemma):
                 mapping[upper] = lemma
