@@ -27,14 +27,25 @@ How a lemma is chosen for a lower-case form:
   3. forms wink-lexicon does not know keep themselves when they are a
      WordNet lemma of their own, else take the first candidate of the
      verb, noun, adjective rules in that order.
-Capitalised variants (sentence-initial words) of words in the word list
-or wink-lexicon get the lower-case lemma, unless the word list has the
-capitalised form as a word of its own (names such as "Bush"); that
-exception is itself overridden for common words whose most frequent
-reading is not a noun ("It", "In", "Best"). Common non-noun words also get
-an all-capitals variant ("THE", "FREE"). The evidence rules of evidence.py
-then settle what the lexicons leave open; the contraction pieces and the
-contraction tokens ("n't", "'ll") keep the tables' lemmas.
+Capitalised variants (sentence-initial words) of words wink-lexicon knows
+and of inflected forms of the word list get the lower-case lemma, unless
+the word list has the capitalised form as a word of its own (names such as
+"Bush"); that exception is itself overridden for common words whose most
+frequent reading is not a noun ("It", "In", "Best"). Rare base words get
+none (capitalised, they are mostly names). Common words also get an
+all-capitals variant ("THE", "FREE", "ORDERS"), nouns only from three
+letters on (shorter capitals are mostly acronyms: "AD"), and so do names of
+the word list ("LOPEZ" -> "Lopez"). Plurals of capitalised nouns take their
+singular ("Christians"), short month and weekday names their full name,
+round thousands their digits ("12,000" -> "12000"). The evidence rules of
+evidence.py then settle what the lexicons leave open, and all-capitals
+forms the evidence never shows follow their other spellings' evidence; the
+contraction pieces and the contraction tokens ("n't", "'ll") keep the
+tables' lemmas.
+Last, two rules that nothing overrides (lemmacommon.apply_final_rules): a
+lower-case form gets a lower-case lemma ("airlines" -> "airline", "me" ->
+"i"), and a single letter stands for a longer word only as a contraction
+piece ("t" -> "not"; "b" is not "billion", "u" not "you").
 """
 
 import argparse
@@ -81,8 +92,7 @@ FUNCTION_WORDS = {
     "ll": "will", "wo": "will", "d": "would", "ca": "can", "t": "not",
     "couldn": "could", "wouldn": "would", "shouldn": "should",
     "mustn": "must", "needn": "need", "mightn": "might",
-    "i": "I", "me": "I", "him": "he", "us": "we", "them": "they",
-    "u": "you",
+    "me": "i", "him": "he", "us": "we", "them": "they",
     "thanks": "thanks", "regards": "regards", "others": "other",
     "an": "a", "these": "this", "those": "that",
 }
@@ -107,6 +117,7 @@ CONTRACTIONS = {
 
 NOUN_TAGS = {"NN", "NNS", "NNP", "NNPS"}
 
+
 # Capitalised words that are names even though the lower-case word is common.
 NAMES = {
     "January", "February", "March", "April", "May", "June", "July",
@@ -114,6 +125,10 @@ NAMES = {
     "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday",
     "Sunday",
 }
+# Months and weekdays written short, with or without a full stop.
+SHORT_NAMES = {name[:3]: name for name in NAMES if name != "May"}
+SHORT_NAMES.update(Sept="September", Tues="Tuesday", Thur="Thursday",
+                   Thurs="Thursday")
 
 
 def parse_args(argv):
@@ -319,24 +334,53 @@ def build(wn_dir, words_path, wink_dir, treebanks):
                 and (lower[form] == form or not tags[0].startswith("VB"))
                 and cap not in NAMES):
             mapping[cap] = lower[form]
-    # Words written in capitals ("FREE", "THE"): common words only.
+    # Words written in capitals ("FREE", "THE", "ORDERS"): common words only,
+    # nouns from three letters on.
     for form in sorted(lower):
         tags = wink.get(form)
         upper = form.upper()
-        if (tags and tags[0] not in NOUN_TAGS and len(form) > 1
-                and upper != form and upper not in attested
+        if (tags and (tags[0] not in NOUN_TAGS or len(form) > 2)
+                and len(form) > 1 and upper != form and upper not in attested
                 and len(upper) == len(form)):
             mapping[upper] = lower[form]
-    # Only words of the word list or wink-lexicon get a capitalised
-    # variant: WordNet also lists names in lower case ("hamas").
-    common = {f: l for f, l in lower.items() if f in words or f in wink}
+    # Names in capitals, from four letters on (shorter ones: acronyms, "EU").
+    for name in sorted(attested - set(NAMES)):
+        upper = name.upper()
+        if (len(name) > 3 and name[1:].islower() and len(upper) == len(name)
+                and name.lower() not in words and upper not in mapping):
+            mapping[upper] = name
+    # Plurals of capitalised nouns ("Christians"), when the plural is no
+    # WordNet lemma of its own ("Edwards", "Mars" are).
+    for name in sorted(attested):
+        single = name[:-1]
+        if (name.endswith("s") and not name.endswith("ss")
+                and single in attested and name not in mapping
+                and single.lower() in index["n"]
+                and not morphy.is_lemma(name.lower())):
+            mapping[name] = single
+    for short, name in sorted(SHORT_NAMES.items()):
+        mapping[short] = mapping[short + "."] = name
+    # Round thousands written with a group separator ("12,000" -> "12000").
+    for n in range(1, 1000):
+        mapping["%d,000" % n] = "%d000" % n
+    # Sentence-initial variants: only for words wink-lexicon knows (but base
+    # nouns and adjectives WordNet never tags) and inflected forms of the
+    # word list. Capitalised, rarer words are mostly names ("Mariner").
+    common = {f: l for f, l in lower.items()
+              if (f in wink and not (l == f and wink[f][0] in ("NN", "JJ")
+                                     and counts.get(f, 0) == 0))
+              or (f in words and l != f)}
     lemmacommon.add_capitalised(mapping, common, attested)
-    evidence.apply_attested(mapping, evidence.read_conllu(treebanks))
+    readings = evidence.read_conllu(treebanks)
+    evidence.apply_attested(mapping, readings)
+    evidence.add_capitals(mapping, readings)
     for piece in sorted(CONTRACTION_PIECES):
         mapping[piece] = FUNCTION_WORDS[piece]
     for token in sorted(CONTRACTIONS):
         mapping[token] = mapping[token.upper()] = CONTRACTIONS[token]
     evidence.add_typographic_apostrophes(mapping)
+    lemmacommon.apply_final_rules(
+        mapping, {w for w in FUNCTION_WORDS if len(w) == 1})
     return mapping
 
 

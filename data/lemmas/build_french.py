@@ -28,7 +28,10 @@ forms of rare_verb_form(). Closed-class words, adverbs and the words the
 evidence shows get a capitalised variant (for sentence-initial words) unless
 the capitalised form is a word of its own in the Lefff (a proper noun such as
 "Pierre"). The evidence rules of evidence.py then settle what the lexicon
-leaves open.
+leaves open. Last, two rules that nothing overrides
+(lemmacommon.apply_final_rules): a lower-case form gets a lower-case lemma
+("monsieur" stays "monsieur", not "Monsieur"), and a single letter stands
+for a longer word only as an elided piece or the table's "a" -> "avoir".
 
 Exceptions to the category order, each settled by the shape of the
 ambiguity rather than by word: a noun beats a past participle that the
@@ -363,6 +366,9 @@ def build(lefff_path, treebanks):
                                          for c in candidates.get(f, ()))}
     lemmacommon.add_capitalised(mapping, wanted, attested)
     evidence.add_typographic_apostrophes(mapping)
+    letters = {w for w in FUNCTION_WORDS if len(w) == 1}
+    lemmacommon.apply_final_rules(mapping, letters | {
+        lemmacommon.upper_first(w) for w in letters - NO_CAPITAL})
     return mapping
 
 

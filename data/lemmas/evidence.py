@@ -14,6 +14,8 @@ Rules, applied in this order by both builders:
   2. Typographic apostrophes: every form with an ASCII apostrophe is also
      listed with U+2019 ("l'" and "l\u2019"), with the same lemma (the
      treebanks write lemmas with the ASCII apostrophe).
+The English builder also lets an unseen all-capitals form follow the
+evidence of its lower-case or capitalised spelling (add_capitals).
 """
 
 import collections
@@ -63,6 +65,25 @@ def apply_attested(mapping, readings):
         lemma = attested_lemma(readings[form], mapping.get(form, form))
         if lemma is not None and lemmacommon.valid_entry(lemma):
             mapping[form] = lemma
+
+
+def add_capitals(mapping, readings, min_length=3):
+    """Rule 3 (English): a form written in capitals that the evidence never
+    shows ("SUSHI", "GOD") takes the lemma the evidence settles for its
+    lower-case spelling, or, when that is not seen either, for its
+    capitalised one ("God"); from min_length letters on, since shorter
+    capitals are mostly acronyms."""
+    for form in sorted(readings, key=lemmacommon.utf16_key):
+        upper = form.upper()
+        if (upper == form or len(upper) != len(form)
+                or len(form) < min_length or upper in readings
+                or not lemmacommon.valid_entry(form)):
+            continue
+        if form.islower() or (form[1:].islower()
+                              and form.lower() not in readings):
+            lemma = attested_lemma(readings[form], mapping.get(form, form))
+            if lemma is not None and lemmacommon.valid_entry(lemma):
+                mapping[upper] = lemma
 
 
 def add_typographic_apostrophes(mapping):

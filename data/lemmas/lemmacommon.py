@@ -73,6 +73,46 @@ def add_capitalised(mapping, lowercase_lemmas, attested):
         mapping[cap] = lowercase_lemmas[form]
 
 
+def lower_case_lemmas(mapping):
+    """A form written in lower case (it has cased letters, all of them lower
+    case) gets its lemma in lower case: "airlines" -> "airline", never
+    "Airline", so that "airline" and "airlines" share their normal form.
+    Forms without cased letters are left alone. Returns the number of lemmas
+    changed."""
+    changed = 0
+    for form in sorted(mapping, key=utf16_key):
+        lemma = mapping[form]
+        if form.islower() and lemma != lemma.lower():
+            mapping[form] = lemma.lower()
+            changed += 1
+    return changed
+
+
+def drop_letter_expansions(mapping, letter_words):
+    """A single letter stands for a longer word only when it is one of
+    letter_words, the letters the closed-class tables map: the pieces a cut
+    at apostrophes leaves ("t", French "l" and "L") and words such as French
+    "a". Any other letter, in either case, is its own lemma, so that "plan b",
+    "vitamin e" and "5 K" keep their meaning. Returns the number of pairs
+    dropped."""
+    dropped = 0
+    for form in sorted(mapping, key=utf16_key):
+        if (len(form) == 1 and form.isalpha() and form not in letter_words
+                and len(mapping[form]) > 1):
+            del mapping[form]
+            dropped += 1
+    return dropped
+
+
+def apply_final_rules(mapping, letter_words):
+    """The rules no lexicon or treebank choice may override, applied last
+    by both builders: lower_case_lemmas and drop_letter_expansions."""
+    lowered = lower_case_lemmas(mapping)
+    dropped = drop_letter_expansions(mapping, letter_words)
+    sys.stderr.write("lower-case forms: %d lemmas lowered; single letters: "
+                     "%d expansions dropped\n" % (lowered, dropped))
+
+
 def write_pairs(path, mapping):
     """Write {form: lemma} as a lemma file; identity pairs and invalid
     entries are dropped. Returns the number of pairs written."""
