@@ -22,7 +22,7 @@ cleanup() {
 }
 trap cleanup EXIT
 export LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive
-for tool in dpkg-buildpackage dh lintian fakeroot; do
+for tool in dpkg-buildpackage dh lintian; do
   command -v $tool >/dev/null || fail "$tool is missing (run scripts/setup.sh)"
 done
 
@@ -63,7 +63,10 @@ if [ "$(id -u)" -eq 0 ] && [ -z "${DIALOG_DEB_UNPACK:-}" ]; then
   installed=("${packages[@]}")
   apt-get install -y -qq "${debs[@]}" >"$work/apt.log" 2>&1 || { cat "$work/apt.log"; fail "apt-get install failed"; }
   root=""
-  ldconfig -p | grep -q 'libdialog-stemmer.so.1 ' || fail "the loader cache lacks libdialog-stemmer.so.1"
+  # Here-strings rather than pipes into grep -q, which would cut the writer off.
+  for lib in libdialog-stemmer.so.1 libku.so.1; do
+    grep -q "$lib " <<<"$(ldconfig -p)" || fail "the loader cache lacks $lib"
+  done
 else
   echo "-- dpkg -x of all ${#debs[@]} packages into a throwaway root"
   root="$work/root"
@@ -82,7 +85,7 @@ done
 for file in "$libdir/libdialog-stemmer.so.1" "$libdir/libku.so.1" \
   "$root"/usr/lib/python3/dist-packages/dialog_stemmer.*.so; do
   [ -e "$file" ] || fail "$file is not installed"
-  if readelf -d "$file" | grep -q -E 'RUNPATH|RPATH'; then fail "$file has a RUNPATH"; fi
+  if grep -q -E 'RUNPATH|RPATH' <<<"$(readelf -d "$file")"; then fail "$file has a RUNPATH"; fi
 done
 stems=$("$root/usr/bin/dialog-stem" --format tsv "the children went home")
 [ "$stems" = "$(printf 'the\tchild\tgo\thome')" ] || fail "dialog-stem gave: $stems"
@@ -115,11 +118,11 @@ echo "-- apt-get purge"
 apt-get purge -y -qq "${packages[@]}" >"$work/apt.log" 2>&1 || { cat "$work/apt.log"; fail "apt-get purge failed"; }
 installed=()
 for package in "${packages[@]}"; do
-  if dpkg-query -W -f='${db:Status-Abbrev}' "$package" 2>/dev/null | grep -q '^.[^n]'; then
+  if grep -q '^.[^n]' <<<"$(dpkg-query -W -f='${db:Status-Abbrev}' "$package" 2>/dev/null)"; then
     fail "$package is still known to dpkg after the purge"
   fi
 done
-if ldconfig -p | grep -q -E 'libdialog-stemmer|libku\.so'; then fail "the loader cache still lists the libraries"; fi
+if grep -q -E 'libdialog-stemmer|libku\.so' <<<"$(ldconfig -p)"; then fail "the loader cache still lists the libraries"; fi
 for path in /usr/share/dialog /usr/include/stemmer /usr/lib/$triplet/cmake/DialogStemmer /usr/bin/dialog-stem; do
   [ ! -e "$path" ] || fail "$path is left after the purge"
 done
