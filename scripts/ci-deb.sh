@@ -14,6 +14,7 @@ work=$(mktemp -d)
 out=${1:-}
 installed=()
 fail() { echo "ci-deb.sh: $*" >&2; exit 1; }
+phase() { echo "-- $* (at $SECONDS s)"; }
 cleanup() {
   if [ ${#installed[@]} -gt 0 ]; then
     apt-get purge -y -qq "${installed[@]}" >/dev/null 2>&1 || true
@@ -26,7 +27,7 @@ for tool in dpkg-buildpackage dh lintian; do
   command -v $tool >/dev/null || fail "$tool is missing (run scripts/setup.sh)"
 done
 
-echo "-- dpkg-buildpackage from a clean copy of the tree"
+phase "dpkg-buildpackage from a clean copy of the tree"
 mkdir "$work/src"
 # The tracked files as they stand, committed or not.
 tree=$(git stash create)
@@ -38,7 +39,7 @@ if [ -n "$out" ]; then mkdir -p "$out" && cp "${debs[@]}" "$work"/*.changes "$wo
 grep -E '^[0-9]+% tests passed|^[0-9]+/[0-9]+ Test' "$work/build.log" | tail -n 1 || true
 for deb in "${debs[@]}"; do printf '%8d  %s\n' "$(stat -c %s "$deb")" "$(basename "$deb")"; done
 
-echo "-- lintian"
+phase "lintian"
 status=0
 lintian -I --pedantic "$work"/*.changes >"$work/lintian.txt" 2>"$work/lintian.err" || status=$?
 cat "$work/lintian.txt"
@@ -46,7 +47,7 @@ if grep -q -E '^[EW]: ' "$work/lintian.txt"; then fail "lintian reports errors o
 [ "$status" -eq 0 ] || { cat "$work/lintian.err"; fail "lintian failed"; }
 echo "lintian: $(grep -c -E '^[IP]: ' "$work/lintian.txt" || true) informational tags, no error, no warning"
 
-echo "-- a copyright file in every package"
+phase "a copyright file in every package"
 packages=()
 for deb in "${debs[@]}"; do
   package=$(dpkg-deb -f "$deb" Package)
@@ -59,7 +60,7 @@ done
 
 triplet=$(dpkg-architecture -qDEB_HOST_MULTIARCH)
 if [ "$(id -u)" -eq 0 ] && [ -z "${DIALOG_DEB_UNPACK:-}" ]; then
-  echo "-- apt-get install of all ${#debs[@]} packages"
+  phase "apt-get install of all ${#debs[@]} packages"
   installed=("${packages[@]}")
   apt-get install -y -qq "${debs[@]}" >"$work/apt.log" 2>&1 || { cat "$work/apt.log"; fail "apt-get install failed"; }
   root=""
@@ -68,7 +69,7 @@ if [ "$(id -u)" -eq 0 ] && [ -z "${DIALOG_DEB_UNPACK:-}" ]; then
     grep -q "$lib " <<<"$(ldconfig -p)" || fail "the loader cache lacks $lib"
   done
 else
-  echo "-- dpkg -x of all ${#debs[@]} packages into a throwaway root"
+  phase "dpkg -x of all ${#debs[@]} packages into a throwaway root"
   root="$work/root"
   for deb in "${debs[@]}"; do dpkg -x "$deb" "$root"; done
   export LD_LIBRARY_PATH="$root/usr/lib/$triplet" PYTHONPATH="$root/usr/lib/python3/dist-packages"
@@ -78,7 +79,7 @@ libdir="$root/usr/lib/$triplet"
 unset KU_PREFIX_PATH
 export XDG_DATA_HOME="$work/no-user-data"
 
-echo "-- libraries, tool and Python module"
+phase "libraries, tool and Python module"
 for package in "${packages[@]}"; do
   [ -f "$root/usr/share/doc/$package/copyright" ] || fail "no /usr/share/doc/$package/copyright once installed"
 done
@@ -96,7 +97,7 @@ done
   fail "the Python module does not work"
 [ -f "$root/usr/share/man/man1/dialog-stem.1.gz" ] || fail "no compressed manual page"
 
-echo "-- consumers: CMake package and pkg-config"
+phase "consumers: CMake package and pkg-config"
 consumer=$source/tests/package/consumer
 cmake -S "$consumer" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$root/usr" >/dev/null
 cmake --build "$work/cmake" >/dev/null
@@ -114,7 +115,7 @@ c++ -std=c++17 -fPIC "$consumer/main.cpp" -o "$work/pc-consumer" "${flags[@]}"
 "$work/pc-consumer"
 
 if [ -n "$root" ]; then echo "ci-deb.sh: passed (unpacked, not installed)"; exit 0; fi
-echo "-- apt-get purge"
+phase "apt-get purge"
 apt-get purge -y -qq "${packages[@]}" >"$work/apt.log" 2>&1 || { cat "$work/apt.log"; fail "apt-get purge failed"; }
 installed=()
 for package in "${packages[@]}"; do
@@ -126,4 +127,4 @@ if grep -q -E 'libdialog-stemmer|libku\.so' <<<"$(ldconfig -p)"; then fail "the 
 for path in /usr/share/dialog /usr/include/stemmer /usr/lib/$triplet/cmake/DialogStemmer /usr/bin/dialog-stem; do
   [ ! -e "$path" ] || fail "$path is left after the purge"
 done
-echo "ci-deb.sh: passed"
+echo "ci-deb.sh: passed in $SECONDS s"
