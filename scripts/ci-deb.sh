@@ -59,6 +59,8 @@ for deb in "${debs[@]}"; do
 done
 
 triplet=$(dpkg-architecture -qDEB_HOST_MULTIARCH)
+# Only the packages' files may be used.
+unset LD_LIBRARY_PATH PYTHONPATH KU_PREFIX_PATH
 if [ "$(id -u)" -eq 0 ] && [ -z "${DIALOG_DEB_UNPACK:-}" ]; then
   phase "apt-get install of all ${#debs[@]} packages"
   installed=("${packages[@]}")
@@ -75,8 +77,6 @@ else
   export LD_LIBRARY_PATH="$root/usr/lib/$triplet" PYTHONPATH="$root/usr/lib/python3/dist-packages"
 fi
 libdir="$root/usr/lib/$triplet"
-# Only the installed data may be found.
-unset KU_PREFIX_PATH
 export XDG_DATA_HOME="$work/no-user-data"
 
 phase "libraries, tool and Python module"
@@ -93,8 +93,9 @@ stems=$("$root/usr/bin/dialog-stem" --format tsv "the children went home")
 for lang in enu frf jpj; do
   "$root/usr/bin/dialog-stem" --lang $lang --check >"$work/check.txt" 2>&1 || { cat "$work/check.txt"; fail "--check $lang"; }
 done
-/usr/bin/python3 -c 'import dialog_stemmer; assert dialog_stemmer.Stemmer("enu").stemword("went") == "go"' ||
-  fail "the Python module does not work"
+module=$(/usr/bin/python3 -c 'import dialog_stemmer as d; assert d.Stemmer("enu").stemword("went") == "go"
+print(d.__file__)') || fail "the Python module does not work"
+[[ $module == "$root/usr/lib/python3/dist-packages/"* ]] || fail "the module came from $module"
 [ -f "$root/usr/share/man/man1/dialog-stem.1.gz" ] || fail "no compressed manual page"
 
 phase "consumers: CMake package and pkg-config"
