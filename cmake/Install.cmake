@@ -4,9 +4,10 @@ include(CMakePackageConfigHelpers)
 
 set(DIALOG_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/DialogStemmer")
 
-# Components, one package each (cmake/Packaging.cmake): runtime (the shared
+# Components, for `cmake --install --component`: runtime (the shared
 # libraries), development (headers, CMake and pkg-config files, the .so links),
-# tool, data-enu, data-frf, data-jpj and python.
+# tool, data-enu, data-frf, data-jpj and python. The Debian packages in
+# debian/ split the same files by their debian/*.install lists.
 install(TARGETS ku dialog-stemmer
   EXPORT DialogStemmerTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
@@ -32,15 +33,20 @@ install(FILES
   cmake/FindMeCab.cmake
   DESTINATION ${DIALOG_CMAKE_DIR} COMPONENT development)
 
-# pkg-config spells the prefix relative to the .pc file, so that the installed
-# tree may be moved: one ".." per folder of the library folder (lib, or
-# lib/x86_64-linux-gnu) plus one for pkgconfig. Absolute folders stay absolute.
-if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+# pkg-config spells the prefix relative to the .pc file by default, so that the
+# installed tree may be moved: one ".." per folder of the library folder (lib,
+# or lib/x86_64-linux-gnu) plus one for pkgconfig. Distribution packages turn
+# that off for plain absolute paths; absolute folders always stay absolute.
+option(DIALOG_RELOCATABLE_PKGCONFIG "Spell the pkg-config prefix relative to the .pc file" ON)
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR NOT DIALOG_RELOCATABLE_PKGCONFIG)
   set(DIALOG_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
-  set(DIALOG_PC_LIBDIR "${CMAKE_INSTALL_LIBDIR}")
 else()
   string(REGEX REPLACE "[^/]+" ".." up "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
   set(DIALOG_PC_PREFIX "\${pcfiledir}/${up}")
+endif()
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(DIALOG_PC_LIBDIR "${CMAKE_INSTALL_LIBDIR}")
+else()
   set(DIALOG_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
 endif()
 if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
@@ -52,4 +58,3 @@ configure_file(cmake/dialog-stemmer.pc.in "${PROJECT_BINARY_DIR}/dialog-stemmer.
 install(FILES "${PROJECT_BINARY_DIR}/dialog-stemmer.pc"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 include(cmake/InstallDictionary.cmake)
-include(cmake/Packaging.cmake)

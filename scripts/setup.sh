@@ -11,6 +11,8 @@ packages=(
   clang clang-format clang-tidy libclang-rt-14-dev
   python3 wordnet-base wamerican locales
   pybind11-dev python3-dev python3-pytest python3-dask python3-distributed
+  # Debian packaging: dpkg-buildpackage, lintian (scripts/ci-deb.sh).
+  dpkg-dev debhelper dh-python lintian fakeroot
 )
 # Only rebuilding the lemma data (data/regenerate.sh) needs npm; keep a
 # Node.js that is already there.

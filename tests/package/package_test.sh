@@ -4,8 +4,8 @@
 #    through the CMake package; lemma files held to the repository's checksums;
 #    only the library's own symbols exported;
 #  - a multiarch library folder without RUNPATH, used through pkg-config;
-#  - the project as an add_subdirectory() of a consumer;
-#  - the Debian packages of the build tree (cpack): contents and dependencies.
+#  - the project as an add_subdirectory() of a consumer.
+# The Debian packages built from debian/ are tested by scripts/ci-deb.sh.
 # Usage: package_test.sh SOURCE_DIR BUILD_DIR CONSUMER_SOURCE_DIR [LEMMA_SHA256SUMS]
 set -euo pipefail
 source=$1
@@ -33,10 +33,8 @@ cmake -S "$consumer" -B "$work/cmake-build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/
 cmake --build "$work/cmake-build" >/dev/null
 "$work/cmake-build/consumer"
 exported=$(nm -D --defined-only "$prefix/lib/libdialog-stemmer.so" | awk '{print $3}' | c++filt)
-if grep -v -E '^(ZQ::Dialog::|MeCab::createTagger\(\))' <<<"$exported"; then
-  echo "unexpected exports above"
-  exit 1
-fi
+grep -v -E '^(ZQ::Dialog::|MeCab::createTagger\(\))' <<<"$exported" &&
+  { echo "unexpected exports above"; exit 1; }
 readelf -d "$prefix/lib/libdialog-stemmer.so" | grep -q 'SONAME.*libdialog-stemmer.so.1'
 
 echo "-- multiarch library folder, no RUNPATH, pkg-config"
@@ -58,9 +56,9 @@ if readelf -d "$prefix/$libdir/libdialog-stemmer.so" | grep -q -E 'RUNPATH|RPATH
 fi
 # Without -r, read honours the backslash escapes pkg-config puts before blanks.
 read -a flags <<<"$(pkg-config --cflags --libs dialog-stemmer)"
-c++ -std=c++17 "$consumer/main.cpp" -o "$work/pc-consumer" "${flags[@]}"
+# Qt 5 asks its users for position-independent code (not a flag of the .pc file).
+c++ -std=c++17 -fPIC "$consumer/main.cpp" -o "$work/pc-consumer" "${flags[@]}"
 LD_LIBRARY_PATH="$prefix/$libdir" "$work/pc-consumer"
-unset PKG_CONFIG_PATH
 
 echo "-- add_subdirectory"
 cmake -S "$consumer" -B "$work/sub" -DDIALOG_SOURCE_DIR="$source" >/dev/null
@@ -72,29 +70,4 @@ if [ -e "$work/sub/dialog-stemmer/tools" ] || [ -e "$work/sub/dialog-stemmer/tes
   exit 1
 fi
 
-command -v dpkg-deb >/dev/null || { echo "package test passed (no dpkg-deb: no cpack check)"; exit 0; }
-echo "-- Debian packages"
-(cd "$build" && cpack -G DEB -B "$work/deb" >/dev/null)
-contents() { dpkg-deb -c "$work/deb/$1"_*.deb | awk '{print $6}'; }
-expect() { contents "$1" | grep -q -- "$2" || { echo "$1 lacks $2"; exit 1; }; }
-expect libdialog-stemmer1 "/libdialog-stemmer.so.1"
-expect libdialog-stemmer1 "/libku.so"
-expect libdialog-stemmer-dev "/include/stemmer/stemmer.hpp"
-expect libdialog-stemmer-dev "/pkgconfig/dialog-stemmer.pc"
-expect libdialog-stemmer-dev "/cmake/DialogStemmer/DialogStemmerConfig.cmake"
-expect dialog-stem "/usr/bin/dialog-stem"
-expect dialog-stem "/man1/dialog-stem.1"
-expect dialog-stemmer-data-enu "/share/dialog/lemmatizer/enu/lemma"
-expect dialog-stemmer-data-enu "/share/dialog/lemmatizer/enu/LICENSE"
-expect dialog-stemmer-data-frf "/share/dialog/lemmatizer/frf/LICENSE"
-expect dialog-stemmer-data-jpj "/share/dialog/data/ipadic"
-if [ -n "$(ls "$build"/python/dialog_stemmer*.so 2>/dev/null)" ]; then
-  expect python3-dialog-stemmer "/lib/python3/dist-packages/dialog_stemmer"
-fi
-if contents libdialog-stemmer1 | grep -q -E 'include/|lemmatizer'; then
-  echo "the runtime package holds development or data files"
-  exit 1
-fi
-dpkg-deb -f "$work/deb"/dialog-stem_*.deb Depends | grep -q 'libdialog-stemmer1 (= '
-dpkg-deb -f "$work/deb"/dialog-stemmer-data-jpj_*.deb Depends | grep -q mecab-ipadic-utf8
 echo "package test passed"
