@@ -9,6 +9,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <QFile>
+#include <QTextStream>
+
 namespace fs = std::filesystem;
 
 namespace dialog_test {
@@ -54,11 +57,6 @@ std::string TempDir::write(const std::string& relative, const std::string& conte
   return writeBelow(path_, relative, contents);
 }
 
-const TempDir& processTempDir() {
-  static const TempDir dir;
-  return dir;
-}
-
 ScopedEnv::ScopedEnv(std::string name, const std::optional<std::string>& value)
     : name_(std::move(name)) {
   if (const char* old = std::getenv(name_.c_str())) previous_ = old;
@@ -81,15 +79,15 @@ DataRoot::DataRoot(const std::string& prefix)
     : own_(prefix.empty() ? std::make_optional<TempDir>() : std::nullopt),
       prefix_(own_ ? own_->path() : prefix),
       prefixEnv_("KU_PREFIX_PATH", prefix_),
-      xdg_("XDG_DATA_HOME", home_.path() + "/data"),
+      xdg_("XDG_DATA_HOME", userData()),
       homeEnv_("HOME", home_.path()) {}
 
 std::string DataRoot::write(const std::string& relative, const std::string& contents) const {
   return writeBelow(fs::path(prefix_) / "share/dialog", relative, contents);
 }
 
-std::string DataRoot::linkDictionary(const std::string& dir) const {
-  const fs::path link = fs::path(prefix_) / "share/dialog/data/ipadic";
+std::string DataRoot::linkDictionary(const std::string& dir, const std::string& share) const {
+  const fs::path link = fs::path(share.empty() ? prefix_ + "/share/dialog" : share) / "data/ipadic";
   fs::create_directories(link.parent_path());
   fs::create_directory_symlink(dir, link);
   return link.string() + "/";
@@ -149,6 +147,18 @@ void CapturedOutput::finish() {
   savedOut_ = savedErr_ = -1;
   out_ = readStream(outFile_);
   err_ = readStream(errFile_);
+}
+
+std::map<QString, QString> plainLemmaLoad(const std::string& path) {
+  std::map<QString, QString> map;
+  QFile file(QString::fromUtf8(path.c_str()));
+  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return map;
+  QTextStream in(&file);
+  while (!in.atEnd()) {
+    const QString form = in.readLine();
+    map[form] = in.readLine();
+  }
+  return map;
 }
 
 }  // namespace dialog_test

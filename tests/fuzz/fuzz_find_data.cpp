@@ -10,7 +10,7 @@
 
 #include "ku/path.hpp"
 #include "testing/files.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > dialog_test::kMaxFuzzInput) return 0;

@@ -9,8 +9,7 @@
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
 #include "testing/files.hpp"
-#include "testing/generated_data.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > dialog_test::kMaxFuzzInput) return 0;

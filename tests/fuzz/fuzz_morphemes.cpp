@@ -9,7 +9,7 @@
 
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 #include "testing/mecab.hpp"
 #include "testing/requirements.hpp"
 

@@ -9,7 +9,7 @@
 #include "segmenter/dictionary_header.hpp"
 #include "segmenter/resource_file.hpp"
 #include "testing/files.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 
 namespace seg = ZQ::Dialog::segmenter;
 

@@ -13,7 +13,7 @@
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
 #include "testing/files.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 
 namespace {
 

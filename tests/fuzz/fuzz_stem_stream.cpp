@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "stemmer/stemmer.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > dialog_test::kMaxFuzzInput) return 0;

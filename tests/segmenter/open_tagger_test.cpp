@@ -1,4 +1,5 @@
 #include "segmenter/open_tagger.hpp"
+#include "segmenter/segmenter.hpp"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -196,6 +197,13 @@ TEST_F(OpenTaggerTest, DictionaryFilesMissingBrokenOrIncompatible) {
        {[&] { writeFile(dic_ + "dicrc", "config-charset = UTF-8\n"); }},
        {102, 102},
        "bos-feature"},
+      // A writer with a node format of its own lets the analyser run.
+      {"wakati writer", {append("dicrc", "output-format-type = wakati\n"), remove("sys.dic")}, {102},
+       "sys.dic"},
+      {"own writer",
+       {append("dicrc", "output-format-type = mine\nnode-format-mine = %m\n"), remove("sys.dic")},
+       {102},
+       "sys.dic"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
@@ -221,6 +229,19 @@ TEST_F(OpenTaggerTest, WriterFailure) {
   EXPECT_NE(mecabError(dic_, dic_).find("nothing-like-it"), std::string::npos);
   EXPECT_EQ(trail_, "[" + dic_ + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" +
                         "ModelImpl::open  ");
+}
+
+// The factory finds the dictionary in the user's data home too.
+TEST_F(OpenTaggerTest, FactoryOpensTheDictionaryInTheUserDataHome) {
+  const DataRoot root;
+  const std::string dir = root.linkDictionary(dic_, root.userData() + "/dialog");
+  CapturedOutput output;
+  const TaggerPtr tagger(MeCab::createTagger());
+  output.finish();
+  ASSERT_NE(tagger, nullptr);
+  EXPECT_EQ(output.out(), "[" + dir + "]load_dictionary_resource\ndicdir : " + dir + "dicrc" +
+                              versions({102, 102}));
+  EXPECT_EQ(baseForms(*tagger, "猫が走った"), (std::vector<std::string>{"猫", "が", "走る", "た"}));
 }
 
 // An empty lookup result: the resource file "MECAB_DEFAULT_RC" of the working

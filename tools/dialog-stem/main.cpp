@@ -20,8 +20,25 @@
 
 namespace {
 
+bool isOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }
+
+// Prints a one-line error and gives the status 1.
+int failure(const char* what, const char* why = nullptr) {
+  std::fprintf(stderr, "dialog-stem: %s%s%s\n", what, why ? ": " : "", why ? why : "");
+  return 1;
+}
+
+// Flushes standard output after --check, --help or --version (the other modes
+// flush their own): `status` when everything arrived, else 1 with the write error.
+int flushed(int status) {
+  errno = 0;
+  if (std::fflush(stdout) != 0 || std::ferror(stdout))
+    return failure("cannot write standard output", std::strerror(errno ? errno : EIO));
+  return status;
+}
+
 int run(const Options& options) {
-  if (options.check) return runCheck(options.language);
+  if (options.check) return flushed(runCheck(options.language));
   if (!options.streamAlgorithm.empty()) return runStreamMode(options.streamAlgorithm);
   std::unique_ptr<ZQ::Dialog::Stemmer> stemmer;
   if (options.language == "jpj") {
@@ -36,23 +53,6 @@ int run(const Options& options) {
                    problem.c_str());
   }
   return runStemming(*stemmer, options);
-}
-
-bool isOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }
-
-// Prints a one-line error and gives the status 1.
-int failure(const char* what, const char* why = nullptr) {
-  std::fprintf(stderr, "dialog-stem: %s%s%s\n", what, why ? ": " : "", why ? why : "");
-  return 1;
-}
-
-// Flushes standard output: `status` when everything written arrived, else 1
-// with the write error, so that no mode loses its output silently.
-int flushed(int status) {
-  errno = 0;
-  if (std::fflush(stdout) != 0 || std::ferror(stdout))
-    return failure("cannot write standard output", std::strerror(errno ? errno : EIO));
-  return status;
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ int main(int argc, char** argv) {
     // Standard input matters only where it is read: no SENTENCE, no --check.
     if (!inputOpen && !options.check && options.inputs.empty())
       return failure("standard input is closed");
-    return flushed(run(options));
+    return run(options);
   } catch (const std::bad_alloc&) {
     std::fputs("dialog-stem: memory exhausted\n", stderr);
     return 1;
