@@ -13,6 +13,7 @@
 
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
+#include "testing/captured_output.hpp"
 #include "testing/files.hpp"
 #include "testing/generated_data.hpp"
 #include "testing/mecab.hpp"

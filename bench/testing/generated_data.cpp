@@ -1,6 +1,5 @@
 #include "testing/generated_data.hpp"
 
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>

@@ -36,7 +36,7 @@ TEST(FindData, PrefixesInOrderThenUserDataThenNothing) {
   };
   EXPECT_EQ(find("a"), second.path() + "/share/pkg/a");
   EXPECT_EQ(find("f"), first.path() + "/share/pkg/f");
-  EXPECT_EQ(find("dir/"), second.path() + "/share/pkg/dir/");  // the "/" is kept
+  EXPECT_EQ(find("dir/"), second.path() + "/share/pkg/dir/");          // the "/" is kept
   EXPECT_EQ(find("h"), isolated.home.path() + "/.local/share/pkg/h");  // HOME without XDG
   EXPECT_EQ(find("missing"), "");
   EXPECT_EQ(ku::path::findData("", "a"), "");
@@ -58,7 +58,7 @@ TEST(FindData, PrefixesInOrderThenUserDataThenNothing) {
 TEST(FindData, InstalledLibraryLooksInItsOwnPrefix) {
   Isolated isolated;
   TempDir prefix;
-  for (const std::string libdir : {std::string(KU_INSTALL_LIBDIR), std::string("elsewhere")}) {
+  for (const char* libdir : {KU_INSTALL_LIBDIR, "elsewhere"}) {
     const std::string copy = prefix.path() + "/" + libdir + "/libku.so";
     std::filesystem::create_directories(std::filesystem::path(copy).parent_path());
     std::filesystem::copy_file(KU_LIBRARY, copy);
@@ -71,7 +71,7 @@ TEST(FindData, InstalledLibraryLooksInItsOwnPrefix) {
     ASSERT_NE(candidates, nullptr) << dlerror();
     using Strings = std::vector<std::string>;
     const Strings expected =
-        libdir == "elsewhere" ? Strings{} : Strings{prefix.path() + "/share/pkg/file"};
+        std::string(libdir) == "elsewhere" ? Strings{} : Strings{prefix.path() + "/share/pkg/file"};
     EXPECT_EQ(candidates("pkg", "file", true), expected) << libdir;
     const ScopedEnv empty("KU_PREFIX_PATH", "");
     EXPECT_EQ(candidates("pkg", "file", true), expected) << libdir;

@@ -74,7 +74,7 @@ TEST(DictionaryHeader, AnnouncedVersionsStopAtTheFirstRejectedFile) {
       {"sys.dic", 24, 7, nullptr, {102, 102}},
       {"sys.dic", -1, 0, nullptr, {102}},
       {"u1.dic", 4, 101, nullptr, {102, 102, 101}},
-      {"u1.dic", 8, 0, nullptr, {102, 102, 102}},  // a system dictionary
+      {"u1.dic", 8, 0, nullptr, {102, 102, 102}},   // a system dictionary
       {"u1.dic", 16, 2, nullptr, {102, 102, 102}},  // left context size
       {"u1.dic", 20, 2, nullptr, {102, 102, 102}},  // right context size
       {"u1.dic", 28, 9, nullptr, {102, 102, 102}},

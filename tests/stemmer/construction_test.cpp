@@ -1,61 +1,24 @@
 #include <dirent.h>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
-#include "stemmer/stemmer.hpp"
+#include <filesystem>
+
 #include "stemmer/stemmer_p.hpp"
 #include "testing/files.hpp"
 #include "testing/log_capture.hpp"
+#include "testing/requirements.hpp"
 
 using ZQ::Dialog::Stemmer;
-using Stems = std::vector<std::string>;
+using Dictionary = std::map<QString, QString>;
 
 namespace {
-
-Stems sentence(Stemmer& stemmer, const std::string& text) {
-  Stems stems;
-  stemmer.stem_sentence(text, stems);
-  return stems;
-}
 
 std::string word(Stemmer& stemmer, std::string text) {
   std::string result;
   stemmer.stemword(text, result);
   return result;
-}
-
-TEST(Construction, EachCodeReadsItsOwnLemmaFile) {
-  dialog_test::DataRoot data;
-  data.write("lemmatizer/enu/lemma", "went\ngo\n");
-  data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
-  dialog_test::LogCapture log("LibStemmer", 4);
-  Stemmer en("enu"), fr("frf"), ja("jpj");
-  EXPECT_EQ(en.language, "enu");
-  EXPECT_EQ(word(en, "went"), "go");
-  EXPECT_EQ(word(en, "yeux"), "yeux");
-  EXPECT_EQ(word(fr, "yeux"), "œil");
-  EXPECT_EQ(word(fr, "went"), "went");
-  EXPECT_EQ(word(ja, "went"), "went");
-  EXPECT_EQ(sentence(ja, "went yeux"), Stems{"went yeux"});
-  EXPECT_TRUE(log.records.empty());  // supported codes log nothing
-}
-
-TEST(Construction, OtherCodesLogOnceAndKeepTheirInput) {
-  dialog_test::DataRoot data;
-  data.write("lemmatizer/enu/lemma", "went\ngo\n");
-  for (const char* code : {"ENU", "en", "enu ", "", "Frf", "jpj\n"}) {
-    dialog_test::LogCapture log("LibStemmer", 2);
-    Stemmer stemmer(code);
-    EXPECT_EQ(stemmer.language, code);
-    EXPECT_EQ(word(stemmer, "went"), "went") << code;
-    EXPECT_EQ(sentence(stemmer, "went away"), Stems{"went away"}) << code;
-    ASSERT_EQ(log.records.size(), 1u) << code;
-    EXPECT_EQ(log.records[0].level, 2);
-    EXPECT_EQ(log.records[0].message, "Unsupported language");
-  }
-  dialog_test::LogCapture log("LibStemmer", 1);  // below the error level: no record
-  Stemmer quiet("xx");
-  EXPECT_TRUE(log.records.empty());
 }
 
 std::size_t openDescriptors() {
@@ -66,20 +29,32 @@ std::size_t openDescriptors() {
   return count;
 }
 
-TEST(Construction, StemmersGiveTheirLemmaFileBack) {
+TEST(Construction, EachCodeReadsItsOwnLemmaFileAndGivesItBack) {
   dialog_test::DataRoot data;
   data.write("lemmatizer/enu/lemma", "went\ngo\n");
-  dialog_test::LogCapture log("LibStemmer", 6);
+  data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
+  dialog_test::LogCapture log("LibStemmer", 4);
+  Stemmer en("enu"), fr("frf"), ja("jpj");
+  EXPECT_EQ(en.language + word(en, "went") + word(en, "yeux"), "enugoyeux");
+  EXPECT_EQ(word(fr, "yeux") + word(fr, "went") + word(ja, "went"), "œilwentwent");
   const std::size_t before = openDescriptors();
   for (int i = 0; i < 1000; ++i) Stemmer("enu");
   EXPECT_EQ(openDescriptors(), before);
-  data.write("lemmatizer/enu/lemma", "");
-  Stemmer fresh("enu");
-  EXPECT_EQ(word(fresh, "went"), "went");  // each stemmer reads the file afresh
-  EXPECT_TRUE(log.records.empty());  // a missing or empty file is not reported
+  EXPECT_TRUE(log.records.empty());  // supported codes log nothing
+  for (const char* code : {"ENU", "en", "enu ", "", "Frf", "jpj\n"}) {
+    dialog_test::LogCapture error("LibStemmer", 2);
+    Stemmer stemmer(code);
+    EXPECT_EQ(stemmer.language + word(stemmer, "went"), code + std::string("went"));
+    ASSERT_EQ(error.records.size(), 1u) << code;
+    EXPECT_EQ(error.records[0].level, 2);
+    EXPECT_EQ(error.records[0].message, "Unsupported language");
+  }
+  dialog_test::LogCapture fatal("LibStemmer", 1);  // below the error level: no record
+  Stemmer quiet("xx");
+  EXPECT_TRUE(fatal.records.empty());
 }
 
-TEST(Assignment, IsShallowAndSharesTheImplementation) {
+TEST(Construction, AssignmentIsShallowAndSharesTheImplementation) {
   dialog_test::DataRoot data;
   auto* a = new Stemmer("enu");
   auto* b = new Stemmer("frf");
@@ -89,13 +64,108 @@ TEST(Assignment, IsShallowAndSharesTheImplementation) {
   *a = *b;
   EXPECT_EQ(a->impl, b->impl);
   EXPECT_EQ(a->language, "frf");
-  Stemmer copy(*b);
+  Stemmer copy(*b);  // a copy shares too
   EXPECT_EQ(copy.impl, b->impl);
   copy.impl = nullptr;
-  delete formerA;  // the former implementation was left alone
+  delete formerA;     // the former implementation was left alone
   a->impl = nullptr;  // only one of the sharing handles may be destroyed
   delete a;
   delete b;
+}
+
+Dictionary load(const std::string& code = "enu") {
+  return ZQ::Dialog::StemmerPrivate("jpj").getLemDic(code);
+}
+
+QString q(const char* utf8) { return QString::fromUtf8(utf8); }
+
+TEST(LemmaDictionary, FileRules) {
+  const std::tuple<const char*, std::string, Dictionary> cases[] = {
+      {"pairs", "went\ngo\nété\nêtre\n", {{q("went"), q("go")}, {q("été"), q("être")}}},
+      {"no final newline", "went\ngo", {{q("went"), q("go")}}},
+      {"odd line count", "went\ngo\nchildren\n", {{q("went"), q("go")}, {q("children"), q("")}}},
+      {"last pair wins", "ran\nrun\nran\nruns\n", {{q("ran"), q("runs")}}},
+      {"blank line shifts pairing", "a\n\nb\nc\n", {{q("a"), q("")}, {q("b"), q("c")}}},
+      {"spaces and case kept", "  Went\ngo \n", {{q("  Went"), q("go ")}}},
+      {"empty file", "", {}},
+  };
+  for (const auto& [name, contents, expected] : cases) {
+    dialog_test::DataRoot data;
+    data.write("lemmatizer/enu/lemma", contents);
+    EXPECT_EQ(load(), expected) << name;
+  }
+}
+
+// Inputs on which a reader of its own most easily departs from QTextStream.
+TEST(LemmaDictionary, SameMapAsPlainReadLineLoop) {
+  const std::string step(16384, 'a');  // the stream decodes 16 KiB at a time
+  const std::string files[] = {
+      "went\r\ngo\r\n",
+      "we\rnt\ngo\r\r\n",
+      "\r",
+      "went\ngo\n\r\r",  // CRs
+      "\xEF\xBB\xBF",
+      "\xEF\xBB\xBF\xEF\xBB\xBF"
+      "a\nb\n",                                   // byte-order marks
+      std::string("\xFF\xFEw\0\n\0g\0\n\0", 10),  // UTF-16
+      std::string("we\0nt\ng\0o\n\0\n", 12),
+      "\xC3(\n\xFF\xFE\n\xED\xA0\x80\n\xF4\x90\x80\x80\n",
+      "went\ngo\n\xE2\x82",
+      "\xE2",  // cut sequences
+      "b\n1\na\n2\nb\n3\nc\n4\na\n5\n",
+      "\n\n\na\n\n",
+      "\n",                                // order, blank lines
+      std::string(300000, 'x') + "\ny\n",  // past the read step
+      step.substr(1) + "\n" + "\r",
+      step.substr(3) + "\n1\n" + "\xC3",
+      step.substr(1) + "\nb\n",
+      step.substr(1) + "\xC3\xA9\n\xC3\xA9\n",
+      step.substr(2) + "\n\r\nx\n",  // on step boundaries
+  };
+  for (const std::string& contents : files) {
+    dialog_test::DataRoot data;
+    const Dictionary plain =
+        dialog_test::plainLemmaLoad(data.write("lemmatizer/enu/lemma", contents));
+    const Dictionary library = load();
+    EXPECT_EQ(library, plain) << contents.substr(0, 40);
+    // Null and empty strings compare equal; the loaders must agree on which.
+    auto l = library.begin();
+    for (auto p = plain.begin(); l != library.end() && p != plain.end(); ++l, ++p)
+      EXPECT_EQ(l->second.isNull(), p->second.isNull()) << contents.substr(0, 40);
+  }
+}
+
+TEST(LemmaDictionary, FileByCodeInPrefixOrUserDataHomeElseEmpty) {
+  {
+    dialog_test::DataRoot data;
+    data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
+    EXPECT_TRUE(load().empty());  // no English file
+    data.write("lemmatizer/enu/lemma", "went\ngo\n");
+    EXPECT_EQ(load("frf"), (Dictionary{{q("yeux"), q("œil")}}));
+    for (const char* code : {"enu", "jpj", "", "FRF"})  // every other code reads English
+      EXPECT_EQ(load(code), (Dictionary{{q("went"), q("go")}})) << code;
+    const dialog_test::DataRoot user;  // an empty prefix; the file in the user's data home
+    user.write("lemmatizer/enu/lemma", "été\nêtre\n", true);
+    EXPECT_EQ(load(), (Dictionary{{q("été"), q("être")}}));
+  }
+  dialog_test::DataRoot data;
+  const std::string path = data.write("lemmatizer/enu/lemma/inner", "x");  // a directory
+  const std::string lemma = std::filesystem::path(path).parent_path();
+  EXPECT_TRUE(load().empty());
+  std::filesystem::remove_all(lemma);
+  ASSERT_EQ(mkfifo(lemma.c_str(), 0600), 0);  // would block a reader
+  EXPECT_TRUE(load().empty());
+  std::filesystem::remove(lemma);
+  if (dialog_test::missing(dialog_test::Need::kUnprivileged).empty()) {
+    ASSERT_EQ(chmod(data.write("lemmatizer/enu/lemma", "went\ngo\n").c_str(), 0), 0);
+    EXPECT_TRUE(load().empty());
+    std::filesystem::remove(lemma);
+  }
+  data.write("lemmatizer/enu/lemma", std::string(50u << 20, 'w'));  // one 50 MB line
+  const Dictionary map = load();
+  ASSERT_EQ(map.size(), 1U);  // one word form, with an empty lemma
+  EXPECT_EQ(map.begin()->first.size(), 50 << 20);
+  EXPECT_TRUE(map.begin()->second.isEmpty());
 }
 
 }  // namespace

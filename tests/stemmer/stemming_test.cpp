@@ -1,0 +1,196 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdio>
+
+#include "stemmer/stemmer_p.hpp"
+#include "stemmer/stream_buffer.hpp"
+#include "testing/files.hpp"
+#include "testing/mecab.hpp"
+#include "testing/requirements.hpp"
+
+using ZQ::Dialog::Stemmer;
+using Stems = std::vector<std::string>;
+
+namespace {
+
+// English and French stemmers over small dictionaries of their own.
+class Stemming : public testing::Test {
+ protected:
+  // stemword on a copy of `word`, checking that the caller's word stays as it was.
+  std::string stem(const std::string& word, std::string result = "") {
+    std::string mine = word;
+    en_.stemword(mine, result);
+    EXPECT_EQ(mine, word);
+    return result;
+  }
+  static Stems run(Stemmer& stemmer, const std::string& sentence, Stems stems = {}) {
+    stemmer.stem_sentence(sentence, stems);
+    return stems;
+  }
+  dialog_test::DataRoot data_;
+  // Written before the stemmers below are built, which read them.
+  std::string files_ = data_.write("lemmatizer/enu/lemma",
+                                   "went\ngo\ndogs\ndog\ndon\nDO\nt\nNOT\n\nEMPTY\nété\nêtre\n"
+                                   "\xEF\xBB\xBF"
+                                   "cats\nunreachable\n") +
+                       data_.write("lemmatizer/frf/lemma", "l\nle\nhommes\nhomme\n");
+  Stemmer en_{"enu"}, fr_{"frf"};
+};
+
+TEST_F(Stemming, WordLookupIsExact) {
+  EXPECT_EQ(stem("dogs"), "dog");
+  EXPECT_EQ(stem("été"), "être");
+  EXPECT_EQ(stem("running"), "running");           // no Snowball stemming of words
+  EXPECT_EQ(stem("Went"), "Went");                 // case-sensitive
+  EXPECT_EQ(stem("went "), "went ");               // nothing trimmed
+  EXPECT_EQ(stem(""), "EMPTY");                    // the empty word is looked up too
+  EXPECT_EQ(stem("went", "previous text"), "go");  // the result is replaced, not appended
+  EXPECT_EQ(stem("walked", "previous text"), "walked");
+}
+
+TEST_F(Stemming, BadBytes) {
+  EXPECT_EQ(stem("caf\xC3"), "caf\xEF\xBF\xBD");  // each bad sequence becomes U+FFFD
+  EXPECT_EQ(stem("\xFF\xFE"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(stem(std::string("went\0xyz", 8)), "go");  // a zero byte ends the word
+  EXPECT_EQ(stem(std::string("\0went", 5)), "EMPTY");
+  // The key's UTF-8 round trip drops a leading byte-order mark, as any decoding would.
+  EXPECT_EQ(stem("\xEF\xBB\xBF\xEF\xBB\xBFwent"), "go");
+  EXPECT_EQ(stem("\xEF\xBB\xBF"
+                 "cats"),
+            "cats");  // the form listed with its mark is never found
+  EXPECT_EQ(stem(std::string(10 << 20, 'y')), std::string(10 << 20, 'y'));
+  QString word = QStringLiteral("went") + QChar(0) + QStringLiteral("tail"), result;
+  en_.impl->stemmword(word, result);  // replaces its word in place
+  EXPECT_EQ(word + result, QStringLiteral("gogo"));
+  word = QChar(0xFEFF) + QStringLiteral("cats");  // unlisted: the word stays, mark and all
+  en_.impl->stemmword(word, result);
+  EXPECT_EQ(result, QChar(0xFEFF) + QStringLiteral("cats"));
+  word = QStringLiteral("x") + QChar(0xD800);  // a lone surrogate never survives in the key
+  en_.impl->lemDic[word] = QStringLiteral("unreachable");
+  en_.impl->stemmword(word, result);
+  EXPECT_EQ(result, QStringLiteral("x") + QChar(0xD800));
+}
+
+TEST_F(Stemming, RegexSplitCutsAtSpacesAndApostrophes) {
+  EXPECT_EQ(run(en_, "I don't like dogs"), (Stems{"I", "DO", "NOT", "like", "dog"}));
+  EXPECT_EQ(run(en_, " a  b"), (Stems{"EMPTY", "a", "EMPTY", "b"}));  // empty parts are kept
+  EXPECT_EQ(run(en_, "'"), (Stems{"EMPTY", "EMPTY"}));
+  EXPECT_EQ(run(en_, "dogs\tdogs,dogs"), (Stems{"dogs\tdogs,dogs"}));    // tab and comma stay
+  EXPECT_EQ(run(en_, "don\xE2\x80\x99t"), (Stems{"don\xE2\x80\x99t"}));  // so does U+2019
+  EXPECT_EQ(run(en_, "dogs", {"kept"}), (Stems{"kept", "dog"}));         // appended
+  EXPECT_EQ(run(fr_, "l'homme hommes"), (Stems{"le", "homme", "homme"}));
+  EXPECT_EQ(run(en_, std::string("dogs don\0t dogs", 15)), (Stems{"dog", "DO"}));  // ends at NUL
+  EXPECT_EQ(run(en_, "caf\xC3 dogs"), (Stems{"caf\xEF\xBF\xBD", "dog"}));  // replaced, not dropped
+  EXPECT_EQ(run(en_, "dogs \xEF\xBB\xBFwent"), (Stems{"dog", "go"}));  // a later word's mark goes
+  std::string text;  // a 10 MB sentence: pieces of 999 bytes and a space
+  while (text.size() + 1000 <= 10u << 20) text += std::string(999, 'x') + ' ';
+  const Stems stems = run(en_, text + "went");
+  ASSERT_EQ(stems.size(), text.size() / 1000 + 1);
+  EXPECT_EQ(stems.front() + stems.back(), std::string(999, 'x') + "go");
+}
+
+// A caller's own `rx` is honoured; one equal to the load-time split gives its parts.
+TEST_F(Stemming, CallersPatternIsHonoured) {
+  const QRegExp saved = ZQ::Dialog::rx;
+  ZQ::Dialog::rx.setPattern(QStringLiteral("[' ]"));
+  EXPECT_EQ(run(en_, " I don't\tx''"), (Stems{"EMPTY", "I", "DO", "t\tx", "EMPTY", "EMPTY"}));
+  ZQ::Dialog::rx.setPattern(QStringLiteral("o"));
+  EXPECT_EQ(run(en_, "don't dogs"), (Stems{"d", "n't d", "gs"}));
+  ZQ::Dialog::rx.setCaseSensitivity(Qt::CaseInsensitive);
+  EXPECT_EQ(run(en_, "dOgs"), (Stems{"d", "gs"}));
+  ZQ::Dialog::rx = saved;
+  ZQ::Dialog::rx.setPatternSyntax(QRegExp::Wildcard);  // "[ ']" as a wildcard: the same set
+  EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
+  ZQ::Dialog::rx = saved;
+  EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
+}
+
+TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
+  for (const char* code : {"jpj", "xx"}) {
+    Stemmer stemmer(code);
+    stemmer.impl->lemDic[QStringLiteral("went")] = QStringLiteral("go");  // never looked up
+    EXPECT_EQ(run(stemmer, " a  went \t"), (Stems{" a  went \t"})) << code;
+    EXPECT_EQ(run(stemmer, std::string("a\0b", 3)), (Stems{std::string("a\0b", 3)})) << code;
+    EXPECT_EQ(run(stemmer, "\xFF\xFE"), (Stems{"\xFF\xFE"})) << code;  // bytes, never decoded
+    EXPECT_EQ(run(stemmer, "", {"kept"}), Stems{"kept"}) << code;
+    std::string word = "went", result;
+    stemmer.stemword(word, result);
+    EXPECT_EQ(result, "went") << code;
+  }
+  en_.impl->stemmer = nullptr;  // as when the Snowball stemmer could not be created
+  EXPECT_EQ(run(en_, "  dogs   don't\tx  "), (Stems{"dogs", "don't\tx"}));  // no lookup
+  EXPECT_EQ(run(en_, "   "), Stems{});
+  EXPECT_EQ(run(en_, std::string("a\0b c", 5)), (Stems{std::string("a\0b", 3), "c"}));
+  EXPECT_EQ(run(en_, "\xC0\xAF went"), (Stems{"\xC0\xAF", "went"}));  // bytes, never decoded
+}
+
+// The morpheme path: a Snowball stemmer with selector 0 and a real tagger.
+TEST(MorphemePath, YieldsBaseFormsOfMorphemes) {
+  DIALOG_REQUIRE(dialog_test::Need::kIpaDictionary);
+  const dialog_test::TaggerPtr tagger = dialog_test::openMecab(dialog_test::ipadicDir());
+  ASSERT_NE(tagger, nullptr) << MeCab::getTaggerError();
+  dialog_test::DataRoot data;
+  ZQ::Dialog::StemmerPrivate impl("xx");
+  impl.stemmer = sb_stemmer_new("english", "UTF_8");
+  impl.tagger = tagger.get();
+  const auto run = [&](const std::string& sentence, Stems stems = {}) {
+    impl.stem_sentence(sentence, stems);
+    return stems;
+  };
+  EXPECT_EQ(run("猫が走った"), (Stems{"猫", "が", "走る", "た"}));
+  EXPECT_EQ(run("", {"kept"}), (Stems{"kept"}));            // only begin and end nodes
+  EXPECT_EQ(run("Zyxwvq"), (Stems{"*"}));                   // unknown words keep "*"
+  EXPECT_EQ(run(std::string("猫\0が", 7)), (Stems{"猫"}));  // ends at NUL
+  sb_stemmer_delete(impl.stemmer);
+}
+
+// stem_stream over `input` with a fresh Snowball stemmer, appending to `out`.
+std::string stemStream(const std::string& input, const char* out = "",
+                       const char* algorithm = "english", const char* encoding = "UTF_8") {
+  sb_stemmer* stemmer = sb_stemmer_new(algorithm, encoding);
+  FILE* in = std::tmpfile();
+  std::fwrite(input.data(), 1, input.size(), in);
+  std::rewind(in);
+  QString text = QString::fromUtf8(out);
+  ZQ::Dialog::stem_stream(stemmer, in, text);
+  EXPECT_EQ(std::fgetc(in), EOF);  // read to its end
+  std::fclose(in);
+  sb_stemmer_delete(stemmer);
+  return text.toStdString();
+}
+
+TEST(StemStream, LinesAreLoweredStemmedAndJoined) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"running\njumps\n", "runjump"},
+      {"Running\nJUMPS", "runjump"},  // no final newline
+      {"", ""},
+      {"\n\n", ""},  // empty lines append nothing
+      {"cats\n\ndogs\n", "catdog"},
+      {"cats\r\n", "cats\r"},  // the CR stays in the word
+      {"internationalization\nnationalities\nab\n", "internationnationab"},
+      {"\xC3\x89T\xC3\x89S\n", "\xC3\x89t\xC3\x89s"},  // bytes above 127 are not lowered
+  };
+  for (const auto& [input, expected] : cases) EXPECT_EQ(stemStream(input), expected) << input;
+  EXPECT_EQ(stemStream(std::string(1 << 20, 'a') + "\nwalks").size(), (1u << 20) + 4);
+  EXPECT_EQ(stemStream("jumps\n", "x"), "xjump");  // appended to what was there
+  EXPECT_EQ(stemStream("", "kept"), "kept");
+  // Stems are always decoded as UTF-8: Latin-1 bytes become U+FFFD.
+  EXPECT_NE(stemStream("\xE9t\xE9s\n", "", "french", "ISO_8859_1").find("\xEF\xBF\xBD"),
+            std::string::npos);
+}
+
+TEST(StemStream, GrowthStopsBeforeTheCapacityWraps) {
+  using ZQ::Dialog::detail::growStreamBuffer;
+  int capacity = 10;
+  auto* buffer = static_cast<sb_symbol*>(std::malloc(capacity));
+  EXPECT_TRUE(growStreamBuffer(buffer, capacity, 30));
+  EXPECT_TRUE(growStreamBuffer(buffer, capacity, 30));
+  EXPECT_FALSE(growStreamBuffer(buffer, capacity, 30));  // 40 would pass the limit
+  EXPECT_EQ(capacity, 30);                               // and nothing changed
+  capacity = INT_MAX - 7;                                // where 2147483640 + 10 used to wrap
+  EXPECT_FALSE(growStreamBuffer(buffer, capacity));
+  std::free(buffer);
+}
+
+}  // namespace
