@@ -17,7 +17,6 @@
 #include "testing/files.hpp"
 #include "testing/generated_data.hpp"
 #include "testing/mecab.hpp"
-#include "testing/requirements.hpp"
 
 namespace {
 

@@ -1,12 +1,13 @@
 #include "testing/mecab.hpp"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
 
 #include "testing/files.hpp"
-#include "testing/requirements.hpp"
 
 namespace dialog_test {
 
@@ -15,68 +16,51 @@ namespace fs = std::filesystem;
 namespace {
 
 const char kDicrc[] =
-    "; resource file of the test dictionary\n"
-    "cost-factor = 800\n"
-    "bos-feature = BOS/EOS,*,*,*,*,*,*,*,*\n"
-    "config-charset = UTF-8\n";
-// One context id, so one cell of connection cost.
-const char kMatrix[] = "1 1\n0 0 0\n";
-const char kCharDef[] =
-    "DEFAULT 0 1 0\n"
-    "SPACE 0 1 0\n"
-    "KANJI 0 0 2\n"
-    "HIRAGANA 1 1 0\n"
-    "0x0020 SPACE\n"
-    "0x4E00..0x9FFF KANJI\n"
-    "0x3041..0x309F HIRAGANA\n";
-const char kUnkDef[] =
-    "DEFAULT,0,0,1000,名詞,一般,*,*,*,*,*\n"
-    "SPACE,0,0,1000,記号,空白,*,*,*,*,*\n"
-    "KANJI,0,0,1000,名詞,一般,*,*,*,*,*\n"
-    "HIRAGANA,0,0,1000,名詞,一般,*,*,*,*,*\n";
-const char kWords[] =
-    "猫,0,0,100,名詞,一般,*,*,*,*,猫,ネコ,ネコ\n"
-    "が,0,0,100,助詞,格助詞,一般,*,*,*,が,ガ,ガ\n"
-    "走っ,0,0,100,動詞,自立,*,*,五段・ラ行,連用タ接続,走る,ハシッ,ハシッ\n"
-    "た,0,0,100,助動詞,*,*,*,特殊・タ,基本形,た,タ,タ\n";
-const char kUserWords[] = "犬,0,0,100,名詞,一般,*,*,*,*,犬,イヌ,イヌ\n";
+    "cost-factor = 800\nbos-feature = BOS/EOS,*,*,*,*,*,*,*,*\nconfig-charset = UTF-8\n";
+// One context id (one cell of connection cost), three character classes.
+const std::pair<const char*, const char*> kSources[] = {
+    {"matrix.def", "1 1\n0 0 0\n"},
+    {"char.def",
+     "DEFAULT 0 1 0\nSPACE 0 1 0\nKANJI 0 0 2\nHIRAGANA 1 1 0\n0x0020 SPACE\n"
+     "0x4E00..0x9FFF KANJI\n0x3041..0x309F HIRAGANA\n"},
+    {"unk.def",
+     "DEFAULT,0,0,1000,名詞,一般,*,*,*,*,*\nSPACE,0,0,1000,記号,空白,*,*,*,*,*\n"
+     "KANJI,0,0,1000,名詞,一般,*,*,*,*,*\nHIRAGANA,0,0,1000,名詞,一般,*,*,*,*,*\n"},
+    {"words.csv",
+     "猫,0,0,100,名詞,一般,*,*,*,*,猫,ネコ,ネコ\n"
+     "が,0,0,100,助詞,格助詞,一般,*,*,*,が,ガ,ガ\n"
+     "走っ,0,0,100,動詞,自立,*,*,五段・ラ行,連用タ接続,走る,ハシッ,ハシッ\n"
+     "た,0,0,100,助動詞,*,*,*,特殊・タ,基本形,た,タ,タ\n"},
+    {"user.csv", "犬,0,0,100,名詞,一般,*,*,*,*,犬,イヌ,イヌ\n"},
+    {"dicrc", kDicrc}};
 
-// Runs mecab-dict-index with `arguments` in `dir`, its chatter kept in a log.
-void runIndexer(const std::string& arguments, const std::string& dir) {
-  const std::string log = dir + "/indexer.log";
-  const std::string command =
-      "cd '" + dir + "' && '" DIALOG_MECAB_DICT_INDEX "' " + arguments + " >>indexer.log 2>&1";
-  if (std::system(command.c_str()) != 0)
-    throw std::runtime_error("mecab-dict-index failed; see " + log + ":\n" + readFile(log));
-}
-
-// The dictionaries, compiled once per test program.
+// The system and user dictionaries, compiled once per program by
+// mecab-dict-index, its chatter kept in a log.
 class Compiled {
  public:
   Compiled() {
     if (const std::string why = missing(Need::kDictionaryIndexer); !why.empty())
       throw std::runtime_error(why);
-    const std::string source = root_.write("source/dicrc", kDicrc);
-    const std::string sourceDir = fs::path(source).parent_path().string();
-    root_.write("source/matrix.def", kMatrix);
-    root_.write("source/char.def", kCharDef);
-    root_.write("source/unk.def", kUnkDef);
-    root_.write("source/words.csv", kWords);
-    root_.write("source/user.csv", kUserWords);
-    system_ = root_.path() + "/system";
-    fs::create_directories(system_);
-    runIndexer("-d . -o '" + system_ + "' -f UTF-8 -t UTF-8", sourceDir);
-    writeFile(system_ + "/dicrc", kDicrc);
-    user_ = root_.path() + "/user.dic";
-    runIndexer("-d . -u '" + user_ + "' -f UTF-8 -t UTF-8 user.csv", sourceDir);
+    for (const auto& [name, text] : kSources) root_.write("source/" + std::string(name), text);
+    fs::create_directories(system());
+    run("-o ../system");
+    writeFile(system() + "/dicrc", kDicrc);
+    run("-u ../user.dic user.csv");
   }
-  const std::string& system() const { return system_; }
-  const std::string& user() const { return user_; }
+  std::string system() const { return root_.path() + "/system"; }
+  std::string user() const { return root_.path() + "/user.dic"; }
 
  private:
+  void run(const std::string& arguments) const {
+    const std::string command = "cd '" + root_.path() +
+                                "/source' && '" DIALOG_MECAB_DICT_INDEX
+                                "' -d . -f UTF-8 -t UTF-8 " +
+                                arguments + " >>log 2>&1";
+    if (std::system(command.c_str()) != 0)
+      throw std::runtime_error("mecab-dict-index failed: " +
+                               readFile(root_.path() + "/source/log"));
+  }
   TempDir root_;
-  std::string system_;
-  std::string user_;
 };
 
 const Compiled& compiled() {
@@ -86,38 +70,27 @@ const Compiled& compiled() {
 
 }  // namespace
 
+std::string missing(Need need) {
+  std::error_code error;
+  switch (need) {
+    case Need::kIpaDictionary:
+      if (fs::is_regular_file(DIALOG_IPADIC_DIR "/sys.dic", error)) return "";
+      return "no IPA dictionary in " DIALOG_IPADIC_DIR " (install mecab-ipadic-utf8)";
+    case Need::kDictionaryIndexer:
+      if (*DIALOG_MECAB_DICT_INDEX) return "";
+      return "mecab-dict-index was not found at configure time (install mecab-utils)";
+    case Need::kUnprivileged:
+      return geteuid() != 0 ? "" : "running as root: file modes do not stop reading";
+  }
+  return "unknown need";
+}
+
 std::string ipadicDir() { return DIALOG_IPADIC_DIR; }
 
 TaggerPtr openMecab(const std::string& dir) {
   std::string program = "mecab", rc = "--rcfile=" + dir + "/dicrc", dic = "--dicdir=" + dir;
   char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
   return TaggerPtr(MeCab::createTagger(3, argv));
-}
-
-void installDictionary(const std::string& dir) {
-  fs::create_directories(dir);
-  for (const char* name : {"dicrc", "unk.dic", "char.bin", "sys.dic", "matrix.bin"}) {
-    fs::copy_file(compiled().system() + "/" + name, dir + "/" + name,
-                  fs::copy_options::overwrite_existing);
-  }
-}
-
-void installUserDictionary(const std::string& path) {
-  fs::copy_file(compiled().user(), path, fs::copy_options::overwrite_existing);
-}
-
-void patchField(const std::string& path, std::size_t offset, unsigned value) {
-  std::string bytes = readFile(path);
-  for (int i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<char>((value >> (8 * i)) & 0xff);
-  writeFile(path, bytes);
-}
-
-std::string mecabError(const std::string& rcfile, const std::string& dicdir) {
-  std::string program = "test", rc = "--rcfile=" + rcfile, dic = "--dicdir=" + dicdir;
-  char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
-  MeCab::Model* model = MeCab::createModel(3, argv);
-  MeCab::deleteModel(model);
-  return MeCab::getLastError();
 }
 
 std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) {
@@ -130,6 +103,30 @@ std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) 
     forms.push_back(fields.size() > 6 ? fields[6] : std::string());
   }
   return forms;
+}
+
+std::string mecabError(const std::string& rcfile, const std::string& dicdir) {
+  std::string program = "test", rc = "--rcfile=" + rcfile, dic = "--dicdir=" + dicdir;
+  char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
+  MeCab::deleteModel(MeCab::createModel(3, argv));
+  return MeCab::getLastError();
+}
+
+void installDictionary(const std::string& dir) {
+  fs::create_directories(dir);
+  for (const char* name : {"dicrc", "unk.dic", "char.bin", "sys.dic", "matrix.bin"})
+    fs::copy_file(compiled().system() + "/" + name, dir + "/" + name,
+                  fs::copy_options::overwrite_existing);
+}
+
+void installUserDictionary(const std::string& path) {
+  fs::copy_file(compiled().user(), path, fs::copy_options::overwrite_existing);
+}
+
+void patchField(const std::string& path, std::size_t offset, unsigned value) {
+  std::string bytes = readFile(path);
+  for (int i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<char>((value >> (8 * i)) & 0xff);
+  writeFile(path, bytes);
 }
 
 }  // namespace dialog_test

@@ -6,7 +6,6 @@
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
 #include "testing/mecab.hpp"
-#include "testing/requirements.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > 4096) return 0;  // MeCab's lattice grows with the sentence

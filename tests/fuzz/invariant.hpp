@@ -1,7 +1,6 @@
 #ifndef DIALOG_FUZZ_INVARIANT_HPP
 #define DIALOG_FUZZ_INVARIANT_HPP
 
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 

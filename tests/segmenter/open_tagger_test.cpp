@@ -10,7 +10,6 @@
 #include "segmenter/segmenter.hpp"
 #include "testing/files.hpp"
 #include "testing/mecab.hpp"
-#include "testing/requirements.hpp"
 
 namespace {
 
@@ -149,22 +148,6 @@ TEST_F(OpenTaggerTest, FailuresShowMeCabsOwnError) {
   EXPECT_EQ(open(temp_.path() + "/none/", false),
             "[" + temp_.path() + "/none/]load_dictionary_resource\nModelImpl::open " +
                 mecabError(temp_.path() + "/none/", temp_.path() + "/none/") + "\n");
-}
-
-// An empty directory stands for the working directory's "MECAB_DEFAULT_RC"
-// alone: HOME's .mecabrc and $MECABRC, which would work, are never read.
-TEST_F(OpenTaggerTest, EmptyDirectoryUsesOnlyTheDefaultResourceFile) {
-  writeFile(temp_.path() + "/.mecabrc", "dicdir = " + dic_ + "\n");
-  const ScopedEnv home("HOME", temp_.path()), rc("MECABRC", temp_.path() + "/.mecabrc");
-  const std::string previous = fs::current_path();
-  fs::current_path(dic_);
-  const std::string failed = "[]load_dictionary_resource\nModelImpl::open ";
-  EXPECT_EQ(open("", false), failed + mecabError("MECAB_DEFAULT_RC", ".") + "\n");
-  writeFile("MECAB_DEFAULT_RC", "not a setting\n");
-  EXPECT_EQ(open("", false), failed + mecabError("MECAB_DEFAULT_RC", ".") + "\n");
-  writeFile("MECAB_DEFAULT_RC", "; read, but sets nothing\n");
-  EXPECT_EQ(open("", true), "[]load_dictionary_resource\ndicdir : ./dicrc" + versions(2));
-  fs::current_path(previous);
 }
 
 // The factory finds the dictionary in the user's data home too.

@@ -7,64 +7,39 @@
 namespace ZQ::Dialog::segmenter {
 namespace {
 
-TEST(ResourcePaths, DicrcGetsOneSlash) {
-  struct Row {
-    const char* dir;
-    const char* rcfile;
-    const char* dicdir;
-    const char* dicrc;
-  };
-  const Row rows[] = {
+TEST(ResourceFiles, PathsListsAndSettingsAsMeCabReadsThem) {
+  const char* const paths[][4] = {
+      // dir, rcfile, dicdir, dicrc
       {"/d/ipadic/", "/d/ipadic/", "/d/ipadic/", "/d/ipadic/dicrc"},
       {"/d/ipadic", "/d/ipadic", "/d/ipadic", "/d/ipadic/dicrc"},
       {"", "MECAB_DEFAULT_RC", ".", "./dicrc"},  // MeCab's only fallback
       {"ipadic", "ipadic", "ipadic", "ipadic/dicrc"},
-      {"/d/$(rcpath)/x/", "/d/$(rcpath)/x/", "/d//d/$(rcpath)/x/x/",
-       "/d//d/$(rcpath)/x/x/dicrc"},  // expanded once, by the resource file's directory
+      {"/d/$(rcpath)/x/", "/d/$(rcpath)/x/", "/d//d/$(rcpath)/x/x/", "/d//d/$(rcpath)/x/x/dicrc"},
   };
-  for (const Row& row : rows) {
-    const ResourcePaths paths = resourcePaths(row.dir);
-    EXPECT_EQ(paths.rcfile, row.rcfile) << row.dir;
-    EXPECT_EQ(paths.dicdir, row.dicdir) << row.dir;
-    EXPECT_EQ(paths.dicrc, row.dicrc) << row.dir;
+  for (const auto& row : paths) {
+    const ResourcePaths p = resourcePaths(row[0]);
+    EXPECT_EQ(p.rcfile + "|" + p.dicdir + "|" + p.dicrc,
+              std::string(row[1]) + "|" + row[2] + "|" + row[3]);
   }
-}
-
-TEST(DictionaryList, SplitsLikeMeCab) {
-  struct Row {
-    const char* list;
-    std::vector<std::string> names;
-  };
-  const Row rows[] = {
+  const std::pair<const char*, std::vector<std::string>> lists[] = {
       {"", {}},
-      {"/a.dic", {"/a.dic"}},
       {"/a.dic,/b.dic", {"/a.dic", "/b.dic"}},
       {" /a.dic,\t/b.dic ", {"/a.dic", "/b.dic "}},  // only leading blanks are skipped
       {"/a.dic,", {"/a.dic"}},
       {"/a.dic,,/b.dic", {"/a.dic", "", "/b.dic"}},
-      {"\"/a,b.dic\",/c.dic", {"/a,b.dic", "/c.dic"}},
+      {"\"/a,b.dic\" x,/c.dic", {"/a,b.dic", "/c.dic"}},  // after the quote, up to the comma: gone
       {"\"say \"\"x\"\".dic\"", {"say \"x\".dic"}},
+      {"\"open", {"open"}},
   };
-  for (const Row& row : rows) EXPECT_EQ(splitDictionaryList(row.list), row.names) << row.list;
-}
-
-TEST(ResourceSettings, FirstSettingWinsAndBlanksAroundEqualsGo) {
-  dialog_test::TempDir dir;
-  const std::string first = dir.write("first", "; comment\n# comment\n\nuserdic =  /u.dic \n");
-  const std::string second = dir.write("second", "userdic=/other.dic\ntheta=0.5\n");
-  ResourceSettings settings;
-  ASSERT_TRUE(settings.load(first));
-  ASSERT_TRUE(settings.load(second));
-  EXPECT_EQ(settings.value("userdic"), "/u.dic ");
-  EXPECT_EQ(settings.value("theta"), "0.5");
-  EXPECT_EQ(settings.value("missing"), "");
-}
-
-TEST(ResourceSettings, RejectsWhatMeCabRejects) {
+  for (const auto& [list, names] : lists) EXPECT_EQ(splitDictionaryList(list), names) << list;
   dialog_test::TempDir dir;
   ResourceSettings settings;
+  ASSERT_TRUE(settings.load(dir.write("1", "; c\n# c\n\n  userdic  =  /u.dic \nempty=\n")));
+  ASSERT_TRUE(settings.load(dir.write("2", "userdic=/other.dic\ntheta=0.5\n")));
+  EXPECT_EQ(settings.value("  userdic"), "/u.dic ");  // the first setting wins
+  EXPECT_EQ(settings.value("theta") + settings.value("empty") + settings.value("none"), "0.5");
   EXPECT_FALSE(settings.load(dir.path() + "/none"));
-  EXPECT_FALSE(settings.load(dir.write("broken", "a = b\nno equals sign\n")));
+  EXPECT_FALSE(settings.load(dir.write("3", "a = b\nno equals sign\n")));
   EXPECT_TRUE(settings.load(dir.path()));  // a directory opens and yields no lines
 }
 

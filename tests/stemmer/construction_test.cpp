@@ -5,10 +5,10 @@
 
 #include <filesystem>
 
+#include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
 #include "testing/files.hpp"
-#include "testing/log_capture.hpp"
-#include "testing/requirements.hpp"
+#include "testing/mecab.hpp"
 
 using ZQ::Dialog::Stemmer;
 using Dictionary = std::map<QString, QString>;
@@ -20,6 +20,21 @@ std::string word(Stemmer& stemmer, std::string text) {
   stemmer.stemword(text, result);
   return result;
 }
+
+// Collects the "LibStemmer" records while alive, with the category at `level`.
+struct LogCapture {
+  explicit LogCapture(int level) : saved(category->level) {
+    category->level = level;
+    id = ku::log::addHandler([this](const ku::log::Record& record) {
+      if (record.category == "LibStemmer") records.push_back(record);
+    });
+  }
+  ~LogCapture() { ku::log::removeHandler(id), category->level = saved; }
+  ku::log::Category* const category = ku::log::addCategory("LibStemmer");
+  const int saved;
+  unsigned id;
+  std::vector<ku::log::Record> records;
+};
 
 std::size_t openDescriptors() {
   std::size_t count = 0;
@@ -33,7 +48,7 @@ TEST(Construction, EachCodeReadsItsOwnLemmaFileAndGivesItBack) {
   dialog_test::DataRoot data;
   data.write("lemmatizer/enu/lemma", "went\ngo\n");
   data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
-  dialog_test::LogCapture log("LibStemmer", 4);
+  LogCapture log(4);
   Stemmer en("enu"), fr("frf"), ja("jpj");
   EXPECT_EQ(en.language + word(en, "went") + word(en, "yeux"), "enugoyeux");
   EXPECT_EQ(word(fr, "yeux") + word(fr, "went") + word(ja, "went"), "œilwentwent");
@@ -42,14 +57,14 @@ TEST(Construction, EachCodeReadsItsOwnLemmaFileAndGivesItBack) {
   EXPECT_EQ(openDescriptors(), before);
   EXPECT_TRUE(log.records.empty());  // supported codes log nothing
   for (const char* code : {"ENU", "en", "enu ", "", "Frf", "jpj\n"}) {
-    dialog_test::LogCapture error("LibStemmer", 2);
+    LogCapture error(2);
     Stemmer stemmer(code);
     EXPECT_EQ(stemmer.language + word(stemmer, "went"), code + std::string("went"));
     ASSERT_EQ(error.records.size(), 1u) << code;
     EXPECT_EQ(error.records[0].level, 2);
     EXPECT_EQ(error.records[0].message, "Unsupported language");
   }
-  dialog_test::LogCapture fatal("LibStemmer", 1);  // below the error level: no record
+  LogCapture fatal(1);  // below the error level: no record
   Stemmer quiet("xx");
   EXPECT_TRUE(fatal.records.empty());
 }
