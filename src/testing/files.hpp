@@ -5,7 +5,8 @@
 // tests, fuzzers and benchmarks. Not thread-safe.
 
 #include <unistd.h>
-
+#include <QFile>
+#include <QTextStream>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -14,9 +15,6 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
-
-#include <QFile>
-#include <QTextStream>
 
 namespace dialog_test {
 

@@ -1,12 +1,9 @@
 #include "testing/mecab.hpp"
-
 #include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
-
 #include "testing/files.hpp"
 
 namespace dialog_test {

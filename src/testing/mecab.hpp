@@ -5,11 +5,10 @@
 // taggers opened with MeCab's own API, tiny dictionaries compiled at run time,
 // and what the machine may lack. Not thread-safe.
 
+#include <mecab.h>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <mecab.h>
 
 namespace dialog_test {
 

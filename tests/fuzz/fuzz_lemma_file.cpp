@@ -1,7 +1,5 @@
 // The input is an English lemma file, read through the library's loader and
 // compared entry by entry with the plain readLine loop's map.
-#include <cstdint>
-
 #include "invariant.hpp"
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
@@ -18,8 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }();
   const std::map<QString, QString> map = impl->getLemDic("enu");
   const std::map<QString, QString> plain = dialog_test::plainLemmaLoad(path);
-  if (map != plain) dialog_test::violated("map differs from the plain readLine loop's");
+  dialog_test::check(map == plain, "map differs from the plain readLine loop's");
   for (auto l = map.cbegin(), p = plain.cbegin(); l != map.end(); ++l, ++p)
-    if (l->second.isNull() != p->second.isNull()) dialog_test::violated("null lemma differs");
+    dialog_test::check(l->second.isNull() == p->second.isNull(), "null lemma differs");
   return 0;
 }

@@ -1,7 +1,5 @@
 // The morpheme path: a StemmerPrivate with a Snowball handle and selector 0,
 // its tagger opened on the system's IPA dictionary with MeCab's own API.
-#include <cstdlib>
-
 #include "invariant.hpp"
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
@@ -13,12 +11,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ku::log::addCategory("LibStemmer")->level = 0;
     auto* created = new ZQ::Dialog::StemmerPrivate("xx");
     created->tagger = dialog_test::openMecab(dialog_test::ipadicDir()).release();
-    if (!created->tagger) dialog_test::violated("no IPA dictionary (mecab-ipadic-utf8)");
+    dialog_test::check(created->tagger, "no IPA dictionary (mecab-ipadic-utf8)");
     created->stemmer = sb_stemmer_new("english", "UTF_8");
     return created;
   }();
   std::vector<std::string> stems{"kept"};
   impl->stem_sentence(std::string(reinterpret_cast<const char*>(data), size), stems);
-  if (stems.front() != "kept") dialog_test::violated("output not appended to");
+  dialog_test::check(stems.front() == "kept", "output not appended to");
   return 0;
 }

@@ -1,7 +1,6 @@
 // The segmenter's readings of MeCab's files: the input as a resource file, a
 // dictionary, "char.bin" and a userdic list.
 #include <algorithm>
-
 #include "invariant.hpp"
 #include "segmenter/dictionary_header.hpp"
 #include "segmenter/resource_file.hpp"
@@ -15,15 +14,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const dialog_test::TempDir dir;
   const std::string path = dir.write("file", input);
   seg::ResourceSettings once, twice;  // a key set by the first file keeps its value
-  if (once.load(path) != twice.load(path)) dialog_test::violated("read differently twice");
+  dialog_test::check(once.load(path) == twice.load(path), "read differently twice");
   const std::string first = once.value("userdic");
-  if (once.load(path), once.value("userdic") != first) dialog_test::violated("value replaced");
-  if (seg::splitDictionaryList(input).size() > 1u + std::count(input.begin(), input.end(), ','))
-    dialog_test::violated("more dictionaries than list items");
-  const seg::DictionaryCheck check = seg::checkDictionary(path);
-  if ((check.intact && (!check.headerRead || check.header.version != seg::kDictionaryVersion)) ||
-      (check.headerRead && size < 100))
-    dialog_test::violated("intact without a header of version 102, or read from a short file");
+  dialog_test::check((once.load(path), once.value("userdic") == first), "value replaced");
+  dialog_test::check(
+      seg::splitDictionaryList(input).size() <= 1u + std::count(input.begin(), input.end(), ','),
+      "more dictionaries than list items");
+  const seg::DictionaryCheck dic = seg::checkDictionary(path);
+  dialog_test::check(!dic.intact || dic.header.version == seg::kDictionaryVersion,
+                     "intact dictionary of another version");
+  dialog_test::check(!dic.headerRead || size >= 100, "header read from a short file");
   seg::checkCharProperty(path);
   return 0;
 }

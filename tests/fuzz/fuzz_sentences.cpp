@@ -2,7 +2,6 @@
 // stemmer (regex split), one without its Snowball handle (space tokens) and
 // an unsupported code (whole sentence).
 #include <utility>
-
 #include "invariant.hpp"
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
@@ -31,17 +30,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::string> stems{"kept"};
   s->english.stem_sentence(input, stems);
   const QString text = QString::fromUtf8(input.c_str());
-  if (word != input || stems.size() != 2u + text.count(' ') + text.count('\''))
-    dialog_test::violated("word changed, or not one element per piece");
+  dialog_test::check(word == input && stems.size() == 2u + text.count(' ') + text.count('\''),
+                     "word changed, or not one element per piece");
   std::string joined, unspaced;
   stems.assign(1, "kept");
   s->spaced.stem_sentence(input, stems);
   for (std::size_t i = 1; i < stems.size(); ++i) joined += stems[i];
   for (const char c : input) unspaced += c == ' ' ? "" : std::string(1, c);
-  if (stems.front() != "kept" || joined != unspaced)
-    dialog_test::violated("space tokens lost bytes");
+  dialog_test::check(stems.front() == "kept" && joined == unspaced, "space tokens lost bytes");
   stems.assign(1, "kept");
   s->whole.stem_sentence(input, stems);
-  if (stems.back() != (input.empty() ? "kept" : input)) dialog_test::violated("not whole");
+  dialog_test::check(stems.back() == (input.empty() ? "kept" : input), "not whole");
   return 0;
 }

@@ -1,9 +1,7 @@
 // stem_stream over arbitrary bytes with a real English UTF-8 Snowball stemmer.
 #include <libstemmer.h>
-
 #include <cstdio>
 #include <vector>
-
 #include "invariant.hpp"
 #include "stemmer/stemmer.hpp"
 
@@ -14,8 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FILE* in = size ? fmemopen(bytes.data(), bytes.size(), "r") : std::fopen("/dev/null", "r");
   QString out = QStringLiteral("kept");
   ZQ::Dialog::stem_stream(english, in, out);
-  if (!out.startsWith(QLatin1String("kept"))) dialog_test::violated("output not appended to");
-  if (std::fgetc(in) != EOF) dialog_test::violated("stream not read to its end");
+  dialog_test::check(out.startsWith(QLatin1String("kept")), "output not appended to");
+  dialog_test::check(std::fgetc(in) == EOF, "stream not read to its end");
   std::fclose(in);
   return 0;
 }

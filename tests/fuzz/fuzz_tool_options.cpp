@@ -1,7 +1,6 @@
 // dialog-stem's option parsing over argument lists (one argument a line): run
 // with valid options, or help text and 0, or one error line and status 2.
 #include <QCoreApplication>
-
 #include "invariant.hpp"
 #include "options.hpp"
 
@@ -14,15 +13,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const ParseResult r = parseOptions(
       QStringList{QStringLiteral("dialog-stem")} +
       QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size)).split('\n'));
-  const std::string& language = r.options.language;
-  const bool ok =
-      r.exitStatus == -1
-          ? (language == "enu" || language == "frf" || language == "jpj") && r.options.jobs >= 1 &&
-                r.options.jobs <= 1024 && r.output.empty() && r.error.empty()
-      : r.exitStatus == 0 ? !r.output.empty() && r.error.empty()
-      : r.exitStatus == 2
-          ? r.error.rfind("dialog-stem: ", 0) == 0 && r.error.find('\n') + 1 == r.error.size()
-          : false;
-  if (!ok) dialog_test::violated("outcome breaks the parser's contract");
+  const std::string& lang = r.options.language;
+  dialog_test::check(r.exitStatus != -1 || ((lang == "enu" || lang == "frf" || lang == "jpj") &&
+                                            r.options.jobs >= 1 && r.options.jobs <= 1024 &&
+                                            r.output.empty() && r.error.empty()),
+                     "bad options accepted");
+  dialog_test::check(r.exitStatus != 0 || (!r.output.empty() && r.error.empty()), "help text");
+  dialog_test::check(r.exitStatus != 2 || (r.error.rfind("dialog-stem: ", 0) == 0 &&
+                                           r.error.find('\n') + 1 == r.error.size()),
+                     "usage error is not one dialog-stem line");
+  dialog_test::check(r.exitStatus == -1 || r.exitStatus == 0 || r.exitStatus == 2, "status");
   return 0;
 }

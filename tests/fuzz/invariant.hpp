@@ -9,10 +9,9 @@ namespace dialog_test {
 // Inputs above this size are skipped: the library's 64 KiB steps are reached.
 constexpr std::size_t kMaxFuzzInput = 64 * 1024 + 4096;
 
-// An invariant broke: say which and abort, so that libFuzzer keeps the input.
-[[noreturn]] inline void violated(const char* what) {
-  std::fprintf(stderr, "invariant violated: %s\n", what);
-  std::abort();
+// Aborts, naming the broken invariant, when `holds` is false, so that libFuzzer keeps the input.
+inline void check(bool holds, const char* what) {
+  if (!holds) std::fprintf(stderr, "invariant violated: %s\n", what), std::abort();
 }
 
 }  // namespace dialog_test

@@ -1,9 +1,6 @@
 #include <dlfcn.h>
-
-#include <filesystem>
-
 #include <gtest/gtest.h>
-
+#include <filesystem>
 #include "ku/log.hpp"
 #include "ku/path.hpp"
 #include "testing/files.hpp"

@@ -1,7 +1,5 @@
 #include "segmenter/dictionary_header.hpp"
-
 #include <gtest/gtest.h>
-
 #include "testing/files.hpp"
 
 namespace ZQ::Dialog::segmenter {

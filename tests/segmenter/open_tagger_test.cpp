@@ -1,12 +1,8 @@
 #include "segmenter/open_tagger.hpp"
-
+#include <gtest/gtest.h>
 #include <unistd.h>
-
 #include <filesystem>
 #include <sstream>
-
-#include <gtest/gtest.h>
-
 #include "segmenter/segmenter.hpp"
 #include "testing/files.hpp"
 #include "testing/mecab.hpp"

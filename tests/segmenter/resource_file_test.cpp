@@ -1,7 +1,5 @@
 #include "segmenter/resource_file.hpp"
-
 #include <gtest/gtest.h>
-
 #include "testing/files.hpp"
 
 namespace ZQ::Dialog::segmenter {

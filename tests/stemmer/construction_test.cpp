@@ -1,9 +1,6 @@
-#include <sys/stat.h>
-
 #include <gtest/gtest.h>
-
+#include <sys/stat.h>
 #include <filesystem>
-
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
 #include "testing/files.hpp"

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
-
 #include <atomic>
 #include <climits>
 #include <cstdio>
 #include <thread>
-
 #include "stemmer/stemmer_p.hpp"
 #include "stemmer/stream_buffer.hpp"
 #include "testing/files.hpp"

@@ -1,14 +1,11 @@
 // Runs the dialog-stem program as a process and checks its output and status.
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-
 #include "testing/files.hpp"
 #include "testing/mecab.hpp"
 
