@@ -25,7 +25,7 @@ inline std::string readFile(const std::string& path) {
   return text.str();
 }
 
-// Replaces a file's bytes, creating its directories; throws when it cannot.
+// Replaces a file's bytes, creating its directories; returns the path, or throws.
 inline std::string writeFile(const std::string& path, const std::string& contents) {
   if (const auto parent = std::filesystem::path(path).parent_path(); !parent.empty())
     std::filesystem::create_directories(parent);
@@ -46,9 +46,7 @@ class TempDir {
     std::filesystem::remove_all(path_, error);
   }
   TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
   const std::string& path() const { return path_; }
-  // Writes `relative`; returns the full path.
   std::string write(const std::string& relative, const std::string& contents) const {
     return writeFile(path_ + "/" + relative, contents);
   }
@@ -66,7 +64,6 @@ class ScopedEnv {
   }
   ~ScopedEnv() { set(previous_); }
   ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
 
  private:
   void set(const std::optional<std::string>& value) const {
@@ -76,13 +73,11 @@ class ScopedEnv {
   std::optional<std::string> previous_;
 };
 
-// Points the data lookup at one prefix (KU_PREFIX_PATH) and the user data
-// directory ($XDG_DATA_HOME, HOME) at an empty place, so the machine's data never leaks in.
+// Points the data lookup at one prefix (KU_PREFIX_PATH, a fresh one by default)
+// and the user data directory (XDG_DATA_HOME, HOME) at an empty place.
 class DataRoot {
  public:
-  DataRoot() : DataRoot(std::string()) {}  // a fresh temporary prefix
-  // An existing prefix, left in place.
-  explicit DataRoot(const std::string& prefix)
+  explicit DataRoot(const std::string& prefix = "")
       : own_(prefix.empty() ? std::make_optional<TempDir>() : std::nullopt),
         prefix_(own_ ? own_->path() : prefix),
         prefixEnv_("KU_PREFIX_PATH", prefix_),

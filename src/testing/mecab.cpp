@@ -31,39 +31,37 @@ const std::pair<const char*, const char*> kSources[] = {
     {"user.csv", "犬,0,0,100,名詞,一般,*,*,*,*,犬,イヌ,イヌ\n"},
     {"dicrc", kDicrc}};
 
-// The system and user dictionaries, compiled once per program by
-// mecab-dict-index, its chatter kept in a log.
-class Compiled {
- public:
-  Compiled() {
+// The directory holding the compiled "system/" and "user.dic", made once per
+// program by mecab-dict-index (its chatter in source/log).
+const std::string& compiled() {
+  static const TempDir root;
+  static const std::string path = [] {
     if (const std::string why = missing(Need::kDictionaryIndexer); !why.empty())
       throw std::runtime_error(why);
-    for (const auto& [name, text] : kSources) root_.write("source/" + std::string(name), text);
-    fs::create_directories(system());
-    run("-o ../system");
-    writeFile(system() + "/dicrc", kDicrc);
-    run("-u ../user.dic user.csv");
-  }
-  std::string system() const { return root_.path() + "/system"; }
-  std::string user() const { return root_.path() + "/user.dic"; }
-
- private:
-  void run(const std::string& arguments) const {
-    const std::string command = "cd '" + root_.path() +
-                                "/source' && '" DIALOG_MECAB_DICT_INDEX
-                                "' -d . -f UTF-8 -t UTF-8 " +
-                                arguments + " >>log 2>&1";
-    if (std::system(command.c_str()) != 0)
-      throw std::runtime_error("mecab-dict-index failed: " +
-                               readFile(root_.path() + "/source/log"));
-  }
-  TempDir root_;
-};
-
-const Compiled& compiled() {
-  static const Compiled dictionaries;
-  return dictionaries;
+    for (const auto& [name, text] : kSources) root.write("source/" + std::string(name), text);
+    fs::create_directories(root.path() + "/system");
+    for (const char* arguments : {"-o ../system", "-u ../user.dic user.csv"}) {
+      const std::string command = "cd '" + root.path() +
+                                  "/source' && '" DIALOG_MECAB_DICT_INDEX
+                                  "' -d . -f UTF-8 -t UTF-8 " +
+                                  arguments + " >>log 2>&1";
+      if (std::system(command.c_str()) != 0)
+        throw std::runtime_error("mecab-dict-index failed: " +
+                                 readFile(root.path() + "/source/log"));
+    }
+    writeFile(root.path() + "/system/dicrc", kDicrc);
+    return root.path();
+  }();
+  return path;
 }
+
+// MeCab's own option words for `rcfile` and `dicdir`.
+struct MecabArguments {
+  MecabArguments(const std::string& rcfile, const std::string& dicdir)
+      : rc("--rcfile=" + rcfile), dic("--dicdir=" + dicdir) {}
+  std::string program = "mecab", rc, dic;
+  char* argv[4] = {program.data(), rc.data(), dic.data(), nullptr};
+};
 
 }  // namespace
 
@@ -85,9 +83,8 @@ std::string missing(Need need) {
 std::string ipadicDir() { return DIALOG_IPADIC_DIR; }
 
 TaggerPtr openMecab(const std::string& dir) {
-  std::string program = "mecab", rc = "--rcfile=" + dir + "/dicrc", dic = "--dicdir=" + dir;
-  char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
-  return TaggerPtr(MeCab::createTagger(3, argv));
+  MecabArguments arguments(dir + "/dicrc", dir);
+  return TaggerPtr(MeCab::createTagger(3, arguments.argv));
 }
 
 std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) {
@@ -103,21 +100,20 @@ std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) 
 }
 
 std::string mecabError(const std::string& rcfile, const std::string& dicdir) {
-  std::string program = "test", rc = "--rcfile=" + rcfile, dic = "--dicdir=" + dicdir;
-  char* argv[] = {program.data(), rc.data(), dic.data(), nullptr};
-  MeCab::deleteModel(MeCab::createModel(3, argv));
+  MecabArguments arguments(rcfile, dicdir);
+  MeCab::deleteModel(MeCab::createModel(3, arguments.argv));
   return MeCab::getLastError();
 }
 
 void installDictionary(const std::string& dir) {
   fs::create_directories(dir);
   for (const char* name : {"dicrc", "unk.dic", "char.bin", "sys.dic", "matrix.bin"})
-    fs::copy_file(compiled().system() + "/" + name, dir + "/" + name,
+    fs::copy_file(compiled() + "/system/" + name, dir + "/" + name,
                   fs::copy_options::overwrite_existing);
 }
 
 void installUserDictionary(const std::string& path) {
-  fs::copy_file(compiled().user(), path, fs::copy_options::overwrite_existing);
+  fs::copy_file(compiled() + "/user.dic", path, fs::copy_options::overwrite_existing);
 }
 
 void patchField(const std::string& path, std::size_t offset, unsigned value) {

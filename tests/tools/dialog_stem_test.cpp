@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include "testing/files.hpp"
 #include "testing/mecab.hpp"
@@ -22,6 +23,14 @@ std::string quote(const std::string& argument) {
   std::string quoted = "'";
   for (char c : argument) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
   return quoted + "'";
+}
+
+// Words between single spaces.
+Args split(const std::string& words) {
+  Args args;
+  std::istringstream in(words);
+  for (std::string word; in >> word;) args.push_back(word);
+  return args;
 }
 
 const char kWriteError[] = "dialog-stem: cannot write standard output: No space left on device\n";
@@ -105,31 +114,15 @@ TEST_F(DialogStem, Outputs) {
 }
 
 TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
-  const std::vector<Args> cases = {
-      {"--lang", "xx"},
-      {"--format", "xml"},
-      {"--jobs", "-1"},
-      {"--jobs", "1025"},
-      {"--jobs", "x"},
-      {"--bogus"},
-      {"--lang"},
-      {"--check", "--words"},
-      {"--check", "--jobs", "1"},
-      {"--check", "--format", "tsv"},
-      {"--check", "x"},
-      {"--stream", "nosuch"},
-      {"--stream"},
-      {"--stream", "english", "--words"},
-      {"--stream", "english", "text"},
-      {"--stream", "english", "--lang", "enu"},
-      {"--stream", "english", "--format", "tsv"},
-      {"--stream", "english", "--jobs", "1"},
-      {"--stream", "english", "--check"},
-  };
-  for (const Args& args : cases) {
-    const Outcome r = run(args);
-    EXPECT_EQ(r.status, 2) << args[0] << " " << args.back();
-    EXPECT_EQ(r.out, "") << args[0];
+  for (const char* args :
+       {"--lang xx", "--format xml", "--jobs -1", "--jobs 1025", "--jobs x", "--bogus", "--lang",
+        "--check --words", "--check --jobs 1", "--check --format tsv", "--check x",
+        "--stream nosuch", "--stream", "--stream english --words", "--stream english text",
+        "--stream english --lang enu", "--stream english --format tsv", "--stream english --jobs 1",
+        "--stream english --check"}) {
+    const Outcome r = run(split(args));
+    EXPECT_EQ(r.status, 2) << args;
+    EXPECT_EQ(r.out, "") << args;
     EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
     EXPECT_EQ(r.err.rfind("dialog-stem: ", 0), 0u) << r.err;
   }
@@ -140,34 +133,34 @@ TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
 TEST_F(DialogStem, StreamsClosedFullOrEndless) {
   const std::string closedIn = "dialog-stem: standard input is closed\n";
   struct Row {
-    Args args;
+    const char* args;
     std::string input, redirect, source;
     int status;
     std::string out, err;
   };
   const Row rows[] = {
-      {{"went"}, "", ">/dev/full", "", 1, "", kWriteError},  // a short output, at the last flush
-      {{"--words"}, "went\n", ">/dev/full", "", 1, "", kWriteError},
-      {{"--stream", "english"}, "went\n", ">/dev/full", "", 1, "", kWriteError},
-      {{"--check"}, "", ">/dev/full", "", 1, "", kWriteError},
-      {{"--help"}, "", ">/dev/full", "", 1, "", kWriteError},
-      {{"--version"}, "", ">/dev/full", "", 1, "", kWriteError},
+      {"went", "", ">/dev/full", "", 1, "", kWriteError},  // a short output, at the last flush
+      {"--words", "went\n", ">/dev/full", "", 1, "", kWriteError},
+      {"--stream english", "went\n", ">/dev/full", "", 1, "", kWriteError},
+      {"--check", "", ">/dev/full", "", 1, "", kWriteError},
+      {"--help", "", ">/dev/full", "", 1, "", kWriteError},
+      {"--version", "", ">/dev/full", "", 1, "", kWriteError},
       // Endless input to a full device must not keep the tool going.
-      {{}, "", ">/dev/full", "yes went |", 1, "", kWriteError},
-      {{"--words"}, "", ">/dev/full", "yes went |", 1, "", kWriteError},
-      {{"--format", "jsonl", "--jobs", "2"}, "", ">/dev/full", "yes went |", 1, "", kWriteError},
-      {{"--stream", "english"}, "", ">/dev/full", "yes went |", 1, "", kWriteError},
-      {{"went"}, "", ">&-", "", 1, "", "dialog-stem: standard output is closed\n"},
-      {{}, "", "<&-", "", 1, "", closedIn},
-      {{"--stream", "english"}, "", "<&-", "", 1, "", closedIn},
-      {{"went"}, "", "<&-", "", 0, "go\n\n", ""},  // input closed but not read
-      {{"--check"}, "", "<&-", "", 0, "*", ""},
+      {"", "", ">/dev/full", "yes went |", 1, "", kWriteError},
+      {"--words", "", ">/dev/full", "yes went |", 1, "", kWriteError},
+      {"--format jsonl --jobs 2", "", ">/dev/full", "yes went |", 1, "", kWriteError},
+      {"--stream english", "", ">/dev/full", "yes went |", 1, "", kWriteError},
+      {"went", "", ">&-", "", 1, "", "dialog-stem: standard output is closed\n"},
+      {"", "", "<&-", "", 1, "", closedIn},
+      {"--stream english", "", "<&-", "", 1, "", closedIn},
+      {"went", "", "<&-", "", 0, "go\n\n", ""},  // input closed but not read
+      {"--check", "", "<&-", "", 0, "*", ""},
       // --version and --help (below) never read their input, even one that never ends.
-      {{"--version"}, "", "<fifo", "", 0, "dialog-stem " DIALOG_VERSION "\n", ""},
+      {"--version", "", "<fifo", "", 0, "dialog-stem " DIALOG_VERSION "\n", ""},
   };
   for (const Row& row : rows) {
-    const Outcome r = run(row.args, row.input, row.redirect, row.source);
-    const std::string name = row.args.empty() ? row.redirect : row.args[0] + " " + row.redirect;
+    const Outcome r = run(split(row.args), row.input, row.redirect, row.source);
+    const std::string name = row.args + std::string(" ") + row.redirect;
     EXPECT_EQ(r.status, row.status) << name;
     EXPECT_TRUE(row.out == "*" || r.out == row.out) << name << ": " << r.out;
     EXPECT_EQ(r.err, row.err) << name;
