@@ -87,18 +87,6 @@ TaggerPtr openMecab(const std::string& dir) {
   return TaggerPtr(MeCab::createTagger(3, arguments.argv));
 }
 
-std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence) {
-  std::vector<std::string> forms;
-  for (const MeCab::Node* node = tagger.parseToNode(sentence); node != nullptr; node = node->next) {
-    if (node->stat == MECAB_BOS_NODE || node->stat == MECAB_EOS_NODE) continue;
-    std::vector<std::string> fields;
-    std::stringstream feature(node->feature);
-    for (std::string field; std::getline(feature, field, ',');) fields.push_back(field);
-    forms.push_back(fields.size() > 6 ? fields[6] : std::string());
-  }
-  return forms;
-}
-
 std::string mecabError(const std::string& rcfile, const std::string& dicdir) {
   MecabArguments arguments(rcfile, dicdir);
   MeCab::deleteModel(MeCab::createModel(3, arguments.argv));

@@ -30,8 +30,6 @@ using TaggerPtr = std::unique_ptr<MeCab::Tagger, TaggerDeleter>;
 
 // A tagger opened by MeCab itself on `dir` and its dicrc; null on failure.
 TaggerPtr openMecab(const std::string& dir);
-// Field 6 (the base form) of each morpheme's feature, BOS and EOS left out.
-std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence);
 // MeCab's error text for a model opened with `rcfile` and `dicdir`.
 std::string mecabError(const std::string& rcfile, const std::string& dicdir);
 

@@ -11,7 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace dialog_test;
-using Forms = std::vector<std::string>;
 
 std::string versions(std::size_t count, unsigned last = 102) {
   std::string text;
@@ -35,7 +34,7 @@ class OpenTaggerTest : public ::testing::Test {
     std::fclose(out);
     EXPECT_EQ(tagger != nullptr, opens) << dir;
     EXPECT_TRUE(opens || !*MeCab::getTaggerError()) << MeCab::getTaggerError();
-    if (tagger) forms_ = baseForms(*tagger, "猫が犬");
+    if (tagger) parsed_ = tagger->parse("猫が犬");
     return readFile(temp_.path() + "/trail");
   }
   std::string head(const std::string& dir) {
@@ -43,7 +42,7 @@ class OpenTaggerTest : public ::testing::Test {
   }
   TempDir temp_;
   std::string dic_;
-  Forms forms_;
+  std::string parsed_;  // the features of 猫, が and 犬
 };
 
 TEST_F(OpenTaggerTest, SuccessTrail) {
@@ -53,7 +52,7 @@ TEST_F(OpenTaggerTest, SuccessTrail) {
   installUserDictionary(temp_.path() + "/u2.dic");
   const std::string noSlash = dic_.substr(0, dic_.size() - 1);
   EXPECT_EQ(open(dic_, true), head(dic_) + versions(2));
-  EXPECT_EQ(forms_, (Forms{"猫", "が", "犬"}));
+  EXPECT_NE(parsed_.find("犬,イヌ"), std::string::npos) << parsed_;
   EXPECT_EQ(open(noSlash, true),
             "[" + noSlash + "]load_dictionary_resource\ndicdir : " + dic_ + "dicrc" + versions(2));
   EXPECT_EQ(open(blanks, true), head(blanks) + versions(2));
@@ -62,7 +61,7 @@ TEST_F(OpenTaggerTest, SuccessTrail) {
   EXPECT_EQ(open(dic_, true), head(dic_) + versions(2));
   writeFile(dic_ + "dicrc", rc + "userdic = " + user + "," + temp_.path() + "/u2.dic\n");
   EXPECT_EQ(open(dic_, true), head(dic_) + versions(4));  // a version line per user dictionary
-  EXPECT_EQ(forms_, (Forms{"猫", "が", "犬"}));
+  EXPECT_NE(parsed_.find("犬,イヌ"), std::string::npos) << parsed_;
 }
 
 // Each row spoils the dictionary ("verb file [text]" steps, ";" between them);
@@ -133,7 +132,7 @@ TEST_F(OpenTaggerTest, FactoryOpensTheDictionaryInTheUserDataHome) {
   root.linkDictionary(dic_, true);
   const TaggerPtr tagger(MeCab::createTagger());
   ASSERT_NE(tagger, nullptr);
-  EXPECT_EQ(baseForms(*tagger, "猫が走った"), (Forms{"猫", "が", "走る", "た"}));
+  EXPECT_NE(std::string(tagger->parse("猫が走った")).find(",走る,"), std::string::npos);
 }
 
 }  // namespace
