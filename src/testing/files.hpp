@@ -45,7 +45,6 @@ class TempDir {
     std::error_code error;
     std::filesystem::remove_all(path_, error);
   }
-  TempDir(const TempDir&) = delete;
   const std::string& path() const { return path_; }
   std::string write(const std::string& relative, const std::string& contents) const {
     return writeFile(path_ + "/" + relative, contents);
@@ -63,7 +62,6 @@ class ScopedEnv {
     set(value);
   }
   ~ScopedEnv() { set(previous_); }
-  ScopedEnv(const ScopedEnv&) = delete;
 
  private:
   void set(const std::optional<std::string>& value) const {

@@ -36,15 +36,13 @@ TEST(Log, HandlersGetEveryRecordElseOneLineOnStandardError) {
   EXPECT_EQ(seen, "6test.log|hello|f.cpp|fn|12;3|text|||0;2test.log|a 42|g.cpp|g|7;3named|x|||0;");
   EXPECT_EQ(other, "6test.log|hello|f.cpp|fn|12;");
   // With no handler, one line a record on standard error; levels past the named ones: "log".
-  const std::pair<int, const char*> lines[] = {{2, "c: error: m (f.cpp:12)"},
-                                               {0, "silent: m"},
-                                               {6, "c: debug: m"},
-                                               {7, "c: log: m"},
-                                               {-1, "c: log: m"}};
-  for (const auto& [level, line] : lines) {
+  const int levels[] = {2, 0, 6, 7, -1};
+  const char* const lines[] = {"c: error: m (f.cpp:12)", "silent: m", "c: debug: m", "c: log: m",
+                               "c: log: m"};
+  for (int i = 0; i < 5; ++i) {
     testing::internal::CaptureStderr();
-    ku::log::log(level, level ? "c" : "", "m", level == 2 ? "f.cpp" : "", "fn", 12);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), line + std::string("\n"));
+    ku::log::log(levels[i], levels[i] ? "c" : "", "m", i ? "" : "f.cpp", "fn", 12);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), lines[i] + std::string("\n"));
   }
 }
 

@@ -56,20 +56,16 @@ TEST(Construction, EachCodeReadsItsOwnLemmaFileAndGivesItBack) {
 TEST(Construction, AssignmentIsShallowAndSharesTheImplementation) {
   dialog_test::DataRoot data;
   auto* a = new Stemmer("enu");
-  auto* b = new Stemmer("frf");
-  ZQ::Dialog::StemmerPrivate* formerA = a->impl;
+  Stemmer b("frf"), copy(b);  // a copy shares too
+  ZQ::Dialog::StemmerPrivate* const formerA = a->impl;
   *a = *a;
   EXPECT_EQ(a->impl, formerA);
-  *a = *b;
-  EXPECT_EQ(a->impl, b->impl);
-  EXPECT_EQ(a->language, "frf");
-  Stemmer copy(*b);  // a copy shares too
-  EXPECT_EQ(copy.impl, b->impl);
-  copy.impl = nullptr;
-  delete formerA;     // the former implementation was left alone
-  a->impl = nullptr;  // only one of the sharing handles may be destroyed
+  *a = b;
+  EXPECT_EQ(a->language + (a->impl == b.impl && copy.impl == b.impl ? " shared" : ""),
+            "frf shared");
+  delete formerA;                 // the former implementation was left alone
+  a->impl = copy.impl = nullptr;  // only one of the sharing handles may be destroyed
   delete a;
-  delete b;
 }
 
 Dictionary load(const std::string& code = "enu") {
@@ -219,18 +215,11 @@ TEST_F(Stemming, RegexSplitCutsAtSpacesAndApostrophes) {
   EXPECT_EQ(stems.front() + stems.back(), std::string(999, 'x') + "go");
 }
 
-// A caller's own `rx` is honoured; one equal to the load-time split gives its parts.
+// A caller's own `rx` is honoured; the load-time one is split without it.
 TEST_F(Stemming, CallersPatternIsHonoured) {
   const QRegExp saved = ZQ::Dialog::rx;
-  ZQ::Dialog::rx.setPattern(QStringLiteral("[' ]"));
-  EXPECT_EQ(run(en_, " I don't\tx''"), (Stems{"EMPTY", "I", "DO", "t\tx", "EMPTY", "EMPTY"}));
   ZQ::Dialog::rx.setPattern(QStringLiteral("o"));
   EXPECT_EQ(run(en_, "don't dogs"), (Stems{"d", "n't d", "gs"}));
-  ZQ::Dialog::rx.setCaseSensitivity(Qt::CaseInsensitive);
-  EXPECT_EQ(run(en_, "dOgs"), (Stems{"d", "gs"}));
-  ZQ::Dialog::rx = saved;
-  ZQ::Dialog::rx.setPatternSyntax(QRegExp::Wildcard);  // "[ ']" as a wildcard: the same set
-  EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
   ZQ::Dialog::rx = saved;
   EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
 }
