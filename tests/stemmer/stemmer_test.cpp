@@ -166,12 +166,10 @@ class Stemming : public testing::Test {
 TEST_F(Stemming, WordLookupIsExact) {
   EXPECT_EQ(stem("dogs"), "dog");
   EXPECT_EQ(stem("été"), "être");
-  EXPECT_EQ(stem("running"), "running");           // no Snowball stemming of words
   EXPECT_EQ(stem("Went"), "Went");                 // case-sensitive
   EXPECT_EQ(stem("went "), "went ");               // nothing trimmed
   EXPECT_EQ(stem(""), "EMPTY");                    // the empty word is looked up too
   EXPECT_EQ(stem("went", "previous text"), "go");  // the result is replaced, not appended
-  EXPECT_EQ(stem("walked", "previous text"), "walked");
 }
 
 TEST_F(Stemming, BadBytes) {
