@@ -1,8 +1,7 @@
 #ifndef DIALOG_TESTING_FILES_HPP
 #define DIALOG_TESTING_FILES_HPP
 
-// Files, temporary directories and the environment the data lookup reads, for
-// tests, fuzzers and benchmarks. Not thread-safe.
+// Files, temporary directories and the data lookup's environment. Not thread-safe.
 
 #include <unistd.h>
 #include <QFile>
@@ -24,7 +23,6 @@ inline std::string readFile(const std::string& path) {
   text << std::ifstream(path, std::ios::binary).rdbuf();
   return text.str();
 }
-
 // Replaces a file's bytes, creating its directories; returns the path, or throws.
 inline std::string writeFile(const std::string& path, const std::string& contents) {
   if (const auto parent = std::filesystem::path(path).parent_path(); !parent.empty())
@@ -34,7 +32,6 @@ inline std::string writeFile(const std::string& path, const std::string& content
     throw std::runtime_error("cannot write " + path);
   return path;
 }
-
 // A fresh temporary directory, removed with its contents when the object goes.
 class TempDir {
  public:

@@ -54,7 +54,6 @@ const std::string& compiled() {
   }();
   return path;
 }
-
 // MeCab's own option words for `rcfile` and `dicdir`.
 struct MecabArguments {
   MecabArguments(const std::string& rcfile, const std::string& dicdir)
@@ -102,12 +101,6 @@ void installDictionary(const std::string& dir) {
 
 void installUserDictionary(const std::string& path) {
   fs::copy_file(compiled() + "/user.dic", path, fs::copy_options::overwrite_existing);
-}
-
-void patchField(const std::string& path, std::size_t offset, unsigned value) {
-  std::string bytes = readFile(path);
-  for (int i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<char>((value >> (8 * i)) & 0xff);
-  writeFile(path, bytes);
 }
 
 }  // namespace dialog_test

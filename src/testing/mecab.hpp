@@ -1,14 +1,12 @@
 #ifndef DIALOG_TESTING_MECAB_HPP
 #define DIALOG_TESTING_MECAB_HPP
 
-// MeCab for the tests, fuzzers and benchmarks: the machine's IPA dictionary,
-// taggers opened with MeCab's own API, tiny dictionaries compiled at run time,
-// and what the machine may lack. Not thread-safe.
+// MeCab for tests, fuzzers and benchmarks: the IPA dictionary, taggers opened by
+// MeCab itself, tiny compiled dictionaries, and what the machine may lack. Not thread-safe.
 
 #include <mecab.h>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace dialog_test {
 
@@ -39,8 +37,6 @@ std::string mecabError(const std::string& rcfile, const std::string& dicdir);
 void installDictionary(const std::string& dir);
 // Copies a compiled user dictionary (one word, 犬) to the file `path`.
 void installUserDictionary(const std::string& path);
-// Overwrites the 32-bit little-endian field at byte `offset` of a file.
-void patchField(const std::string& path, std::size_t offset, unsigned value);
 
 }  // namespace dialog_test
 

@@ -23,7 +23,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       first = candidate;
   const std::string found = ku::path::findData(fields[0], fields[1], false);
   dialog_test::check(found == first, "result is not the first existing candidate");
-  dialog_test::check(found.empty() || fields[1].back() != '/' || found.back() == '/',
-                     "a path ending in / gave a result without it");
   return 0;
 }

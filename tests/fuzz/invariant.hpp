@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-
 namespace dialog_test {
 
 // Inputs above this size are skipped: the library's 64 KiB steps are reached.

@@ -45,8 +45,7 @@ TEST(Log, HandlersGetEveryRecordElseOneLineOnStandardError) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), lines[i] + std::string("\n"));
   }
 }
-
-// No prefixes, user data in an empty place, HOME at `home`.
+// No prefixes, no user data directory but HOME's.
 struct Isolated {
   TempDir home;
   ScopedEnv prefix{"KU_PREFIX_PATH", std::nullopt}, xdg{"XDG_DATA_HOME", std::nullopt};
@@ -80,7 +79,6 @@ TEST(FindData, PrefixesInOrderThenUserDataThenNothing) {
   const ScopedEnv noHome("HOME", "");
   EXPECT_EQ(ku::path::dataCandidates("pkg", "h").size(), 2u);  // two prefixes, no user data
 }
-
 // A copy of libku installed under a prefix looks in that prefix's share/ last;
 // one outside a library directory (like the build tree's) has no prefix.
 // (Its own dataCandidates: findData would call the already loaded libku's.)

@@ -9,7 +9,6 @@ namespace {
 void put32(std::string& bytes, std::size_t offset, std::uint32_t value) {
   for (int i = 0; i < 4; ++i) bytes[offset + i] = static_cast<char>(value >> (8 * i));
 }
-
 // A dictionary file: a 72-byte header, then sections of 8 + 8 + `feature`
 // bytes and `extra` more; the magic number matches the file's size.
 std::string dictionary(std::uint32_t type, std::uint32_t feature = 12, int extra = 0,
@@ -41,10 +40,8 @@ TEST(DictionaryHeader, SizeMagicVersionAndSections) {
   }
   EXPECT_FALSE(checkDictionary(dir.path()).headerRead);  // a directory
 }
-
-// The versions MeCab announces over unk.dic, char.bin, sys.dic and two user
-// dictionaries, each row spoiling one field of one file (offset -1: one byte
-// more), or setting its charset.
+// The versions MeCab announces over unk.dic, char.bin, sys.dic and two user dictionaries,
+// a row spoiling one field of one file (offset -1: one byte more), or its charset.
 TEST(DictionaryHeader, AnnouncedVersionsStopAtTheFirstRejectedFile) {
   using Versions = std::vector<std::uint32_t>;
   const Versions all{102, 102, 102, 102}, three{102, 102, 102};

@@ -139,7 +139,6 @@ TEST(LemmaDictionary, FileByCodeInPrefixOrUserDataHomeElseEmpty) {
   EXPECT_EQ(map.begin()->first.size(), 50 << 20);
   EXPECT_TRUE(map.begin()->second.isEmpty());
 }
-
 // English and French stemmers over small dictionaries of their own.
 class Stemming : public testing::Test {
  protected:
@@ -155,7 +154,6 @@ class Stemming : public testing::Test {
     return stems;
   }
   dialog_test::DataRoot data_;
-  // Written before the stemmers below are built, which read them.
   std::string files_ = data_.write("lemmatizer/enu/lemma",
                                    "went\ngo\ndogs\ndog\ndon\nDO\nt\nNOT\n\nEMPTY\nété\nêtre\n"
                                    "\357\273\277cats\nunreachable\n") +
@@ -181,7 +179,6 @@ TEST_F(Stemming, BadBytes) {
   EXPECT_EQ(stem("\xEF\xBB\xBF\xEF\xBB\xBFwent"), "go");
   EXPECT_EQ(stem("\357\273\277cats"),
             "cats");  // the form listed with its mark is never found
-  EXPECT_EQ(stem(std::string(10 << 20, 'y')), std::string(10 << 20, 'y'));
   QString word = QStringLiteral("went") + QChar(0) + QStringLiteral("tail"), result;
   en_.impl->stemmword(word, result);  // replaces its word in place
   EXPECT_EQ(word + result, QStringLiteral("gogo"));
@@ -212,7 +209,6 @@ TEST_F(Stemming, RegexSplitCutsAtSpacesAndApostrophes) {
   ASSERT_EQ(stems.size(), text.size() / 1000 + 1);
   EXPECT_EQ(stems.front() + stems.back(), std::string(999, 'x') + "go");
 }
-
 // A caller's own `rx` is honoured; the load-time one is split without it.
 TEST_F(Stemming, CallersPatternIsHonoured) {
   const QRegExp saved = ZQ::Dialog::rx;
@@ -240,7 +236,6 @@ TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
   EXPECT_EQ(run(en_, std::string("a\0b c", 5)), (Stems{std::string("a\0b", 3), "c"}));
   EXPECT_EQ(run(en_, "\xC0\xAF went"), (Stems{"\xC0\xAF", "went"}));  // bytes, never decoded
 }
-
 // The morpheme path: a Snowball stemmer with selector 0 and a real tagger.
 TEST_F(Stemming, MorphemePathYieldsBaseForms) {
   DIALOG_REQUIRE(dialog_test::Need::kIpaDictionary);
@@ -252,7 +247,6 @@ TEST_F(Stemming, MorphemePathYieldsBaseForms) {
   EXPECT_EQ(run(en_, "Zyxwvq"), (Stems{"*"}));                   // unknown words keep "*"
   EXPECT_EQ(run(en_, std::string("猫\0が", 7)), (Stems{"猫"}));  // ends at NUL
 }
-
 // stem_stream over `input` with a fresh Snowball stemmer, appending to `out`.
 std::string stemStream(const std::string& input, const char* out = "",
                        const char* algorithm = "english", const char* encoding = "UTF_8") {
@@ -272,10 +266,8 @@ TEST(StemStream, LinesAreLoweredStemmedAndJoined) {
   const std::pair<std::string, const char*> cases[] = {
       {"running\njumps\n", "runjump"},
       {"Running\nJUMPS", "runjump"},  // no final newline
-      {"", ""},
-      {"\n\n", ""},  // empty lines append nothing
-      {"cats\n\ndogs\n", "catdog"},
-      {"cats\r\n", "cats\r"},  // the CR stays in the word
+      {"cats\n\ndogs\n", "catdog"},   // empty lines append nothing
+      {"cats\r\n", "cats\r"},         // the CR stays in the word
       {"internationalization\nnationalities\nab\n", "internationnationab"},
       {"\xC3\x89T\xC3\x89S\n", "\xC3\x89t\xC3\x89s"},  // bytes above 127 are not lowered
   };

@@ -24,8 +24,7 @@ std::string quote(const std::string& argument) {
   for (char c : argument) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
   return quoted + "'";
 }
-
-// Words between single spaces.
+// The words of `words`.
 Args split(const std::string& words) {
   Args args;
   std::istringstream in(words);
@@ -120,9 +119,7 @@ TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
     EXPECT_EQ(r.err.rfind("dialog-stem: ", 0), 0u) << r.err;
   }
 }
-
-// Exit statuses with closed, full or never-ending streams; out and err
-// exactly, unless marked "*".
+// Closed, full or never-ending streams: status, out ("*": any) and err.
 TEST_F(DialogStem, StreamsClosedFullOrEndless) {
   const std::string closedIn = "dialog-stem: standard input is closed\n";
   struct Row {
