@@ -13,10 +13,10 @@
 
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
+#include "testing/captured_output.hpp"
 #include "testing/files.hpp"
 #include "testing/generated_data.hpp"
 #include "testing/mecab.hpp"
-#include "testing/requirements.hpp"
 
 namespace {
 

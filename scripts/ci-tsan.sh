@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Builds the test programs with ThreadSanitizer in ./build-tsan and runs the
-# tests of shared use across threads: Concurrency.* and the log's concurrent
-# registration and logging (CMake preset "tsan").
+# test of shared use across threads, Concurrency.* (CMake preset "tsan").
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset tsan "$@"

@@ -1,115 +1,121 @@
 #ifndef DIALOG_TESTING_FILES_HPP
 #define DIALOG_TESTING_FILES_HPP
 
-// Support shared by the tests, fuzzers and benchmarks: files, temporary
-// directories, the environment the data lookup reads, and the process's
-// standard output and error. None of it is thread-safe; set it up before
-// starting threads.
+// Files, temporary directories and the data lookup's environment. Not thread-safe.
 
-#include <cstdio>
+#include <unistd.h>
+#include <QFile>
+#include <QTextStream>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
 #include <optional>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 
 namespace dialog_test {
 
-// A whole file's bytes; "" when it cannot be read.
-std::string readFile(const std::string& path);
-// Replaces a file's contents with `contents`, byte for byte; throws when it cannot.
-void writeFile(const std::string& path, const std::string& contents);
-
-// A fresh directory under the system's temporary directory, removed with its
-// contents when the object goes.
+// A whole file's bytes ("" when it cannot be read).
+inline std::string readFile(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+// Replaces a file's bytes, creating its directories; returns the path, or throws.
+inline std::string writeFile(const std::string& path, const std::string& contents) {
+  if (const auto parent = std::filesystem::path(path).parent_path(); !parent.empty())
+    std::filesystem::create_directories(parent);
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  if (!out.write(contents.data(), static_cast<std::streamsize>(contents.size())))
+    throw std::runtime_error("cannot write " + path);
+  return path;
+}
+// A fresh temporary directory, removed with its contents when the object goes.
 class TempDir {
  public:
-  TempDir();
-  ~TempDir();
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
+  TempDir() : path_((std::filesystem::temp_directory_path() / "dialog-test-XXXXXX").string()) {
+    if (!mkdtemp(path_.data())) throw std::runtime_error("mkdtemp failed");
+  }
+  ~TempDir() {
+    std::error_code error;
+    std::filesystem::remove_all(path_, error);
+  }
   const std::string& path() const { return path_; }
-  // Writes `contents` to `relative` (parent directories created); returns the full path.
-  std::string write(const std::string& relative, const std::string& contents) const;
+  std::string write(const std::string& relative, const std::string& contents) const {
+    return writeFile(path_ + "/" + relative, contents);
+  }
 
  private:
   std::string path_;
 };
 
-// A temporary directory for the whole process, removed at its normal exit.
-const TempDir& processTempDir();
-
-// Sets (or, with nullopt, unsets) an environment variable for the object's
-// lifetime, then restores the previous value.
+// Sets (nullopt: unsets) an environment variable for the object's lifetime.
 class ScopedEnv {
  public:
-  ScopedEnv(std::string name, const std::optional<std::string>& value);
-  ~ScopedEnv();
-  ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
+  ScopedEnv(std::string name, const std::optional<std::string>& value) : name_(std::move(name)) {
+    if (const char* old = std::getenv(name_.c_str())) previous_ = old;
+    set(value);
+  }
+  ~ScopedEnv() { set(previous_); }
 
  private:
+  void set(const std::optional<std::string>& value) const {
+    value ? setenv(name_.c_str(), value->c_str(), 1) : unsetenv(name_.c_str());
+  }
   std::string name_;
   std::optional<std::string> previous_;
 };
 
-// Points the data lookup at one prefix only: KU_PREFIX_PATH and HOME set, the
-// user data directory at an empty place, so the machine's own data never leaks
-// in. Data of package "dialog" then lives under prefix + "/share/dialog/".
+// Points the data lookup at one prefix (KU_PREFIX_PATH, a fresh one by default)
+// and the user data directory (XDG_DATA_HOME, HOME) at an empty place.
 class DataRoot {
  public:
-  // A fresh temporary prefix, removed with the object.
-  DataRoot();
-  // An existing prefix, left in place.
-  explicit DataRoot(const std::string& prefix);
-  // Writes a data file of package "dialog", e.g. "lemmatizer/enu/lemma".
-  std::string write(const std::string& relative, const std::string& contents) const;
-  // Makes "data/ipadic" of package "dialog" a symbolic link to `dir`, as the
-  // install step does; returns the path the lookup gives, with its final "/".
-  std::string linkDictionary(const std::string& dir) const;
+  explicit DataRoot(const std::string& prefix = "")
+      : own_(prefix.empty() ? std::make_optional<TempDir>() : std::nullopt),
+        prefix_(own_ ? own_->path() : prefix),
+        prefixEnv_("KU_PREFIX_PATH", prefix_),
+        xdg_("XDG_DATA_HOME", home_.path() + "/data"),
+        homeEnv_("HOME", home_.path()) {}
+  // Writes a data file of package "dialog" (e.g. "lemmatizer/enu/lemma") under
+  // the prefix, or with `user` under the user data directory; returns its path.
+  std::string write(const std::string& relative, const std::string& contents,
+                    bool user = false) const {
+    return writeFile(share(user) + relative, contents);
+  }
+  // Links "data/ipadic" of package "dialog" (in the user data directory with
+  // `user`) to `dir`; returns the path the lookup gives.
+  std::string linkDictionary(const std::string& dir, bool user = false) const {
+    std::filesystem::create_directories(share(user) + "data");
+    std::filesystem::create_directory_symlink(dir, share(user) + "data/ipadic");
+    return share(user) + "data/ipadic/";
+  }
   const std::string& path() const { return prefix_; }
 
  private:
+  std::string share(bool user) const {
+    return user ? home_.path() + "/data/dialog/" : prefix_ + "/share/dialog/";
+  }
   std::optional<TempDir> own_;
   TempDir home_;
   std::string prefix_;
-  ScopedEnv prefixEnv_;
-  ScopedEnv xdg_;
-  ScopedEnv homeEnv_;
+  ScopedEnv prefixEnv_, xdg_, homeEnv_;
 };
 
-// Changes the working directory for the object's lifetime.
-class WorkingDirectory {
- public:
-  explicit WorkingDirectory(const std::string& dir);
-  ~WorkingDirectory();
-  WorkingDirectory(const WorkingDirectory&) = delete;
-  WorkingDirectory& operator=(const WorkingDirectory&) = delete;
-
- private:
-  std::string previous_;
-};
-
-// Captures what the process writes to file descriptors 1 and 2 (C and C++
-// streams flushed around it) until finish() or destruction.
-class CapturedOutput {
- public:
-  CapturedOutput();
-  ~CapturedOutput();
-  CapturedOutput(const CapturedOutput&) = delete;
-  CapturedOutput& operator=(const CapturedOutput&) = delete;
-
-  // Restores the descriptors and keeps the text; later calls do nothing.
-  void finish();
-  const std::string& out() const { return out_; }
-  const std::string& err() const { return err_; }
-
- private:
-  int savedOut_ = -1;
-  int savedErr_ = -1;
-  std::FILE* outFile_ = nullptr;
-  std::FILE* errFile_ = nullptr;
-  std::string out_;
-  std::string err_;
-};
+// The lemma file at `path` read by the plainest loop (QFile in text mode,
+// QTextStream::readLine, one insertion per pair): the library must agree.
+inline std::map<QString, QString> plainLemmaLoad(const std::string& path) {
+  std::map<QString, QString> map;
+  QFile file(QString::fromUtf8(path.c_str()));
+  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return map;
+  QTextStream in(&file);
+  while (!in.atEnd()) {
+    const QString form = in.readLine();
+    map[form] = in.readLine();
+  }
+  return map;
+}
 
 }  // namespace dialog_test
 

@@ -1,19 +1,24 @@
 #ifndef DIALOG_TESTING_MECAB_HPP
 #define DIALOG_TESTING_MECAB_HPP
 
-// MeCab for the tests, fuzzers and benchmarks: the machine's IPA dictionary,
-// taggers opened with MeCab's own API, and tiny dictionaries compiled at run
-// time with mecab-dict-index. Not thread-safe.
-
-#include <memory>
-#include <string>
-#include <vector>
+// MeCab for tests, fuzzers and benchmarks: the IPA dictionary, taggers opened by
+// MeCab itself, tiny compiled dictionaries, and what the machine may lack. Not thread-safe.
 
 #include <mecab.h>
+#include <memory>
+#include <string>
 
 namespace dialog_test {
 
-// The IPA dictionary directory fixed at configure time (DIALOG_IPADIC_DIR).
+enum class Need {
+  kIpaDictionary,      // mecab-ipadic-utf8 at DIALOG_IPADIC_DIR
+  kDictionaryIndexer,  // mecab-dict-index (mecab-utils)
+  kUnprivileged,       // file modes that bind the process (not root)
+};
+// Why `need` is not met on this machine, naming what to install; "" when met.
+std::string missing(Need need);
+
+// The IPA dictionary directory fixed at configure time.
 std::string ipadicDir();
 
 struct TaggerDeleter {
@@ -23,24 +28,21 @@ using TaggerPtr = std::unique_ptr<MeCab::Tagger, TaggerDeleter>;
 
 // A tagger opened by MeCab itself on `dir` and its dicrc; null on failure.
 TaggerPtr openMecab(const std::string& dir);
-
-// Field 6 (the base form) of each morpheme's feature, BOS and EOS left out.
-std::vector<std::string> baseForms(MeCab::Tagger& tagger, const char* sentence);
-
-// The error text MeCab gives for a model opened with `rcfile` and `dicdir`;
-// leaves MeCab's last error set.
+// MeCab's error text for a model opened with `rcfile` and `dicdir`.
 std::string mecabError(const std::string& rcfile, const std::string& dicdir);
 
 // Copies a tiny compiled dictionary ("dicrc", "unk.dic", "char.bin",
-// "sys.dic", "matrix.bin") into `dir`, creating it. Its words: 猫, が, 走っ
-// (base form 走る) and た. Throws when mecab-dict-index is missing or fails.
+// "sys.dic", "matrix.bin") into `dir`: 猫, が, 走っ (base form 走る) and た.
+// Throws when mecab-dict-index is missing or fails.
 void installDictionary(const std::string& dir);
 // Copies a compiled user dictionary (one word, 犬) to the file `path`.
 void installUserDictionary(const std::string& path);
 
-// Overwrites the 32-bit little-endian header field at byte `offset` of a file.
-void patchField(const std::string& path, std::size_t offset, unsigned value);
-
 }  // namespace dialog_test
+
+// In a GoogleTest body or SetUp(): skips, saying why, when `need` is not met.
+#define DIALOG_REQUIRE(need)                                                                      \
+  if (const std::string dialog_missing_ = ::dialog_test::missing(need); !dialog_missing_.empty()) \
+  GTEST_SKIP() << dialog_missing_
 
 #endif  // DIALOG_TESTING_MECAB_HPP

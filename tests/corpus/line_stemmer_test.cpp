@@ -6,7 +6,6 @@
 
 #include "corpus/line_stemmer.hpp"
 #include "testing/files.hpp"
-#include "testing/log_capture.hpp"
 
 using dialog_corpus::Format;
 using dialog_corpus::LineStemmer;
@@ -51,7 +50,6 @@ TEST(LineStemmer, SameAsTheLibrary) {
   const dialog_test::DataRoot data;
   data.write("lemmatizer/enu/lemma",
              "went\ngo\nWent\ngo\ndogs\ndog\ndon\ndo\nt\nnot\n\nEMPTY\ncaf\xC3\xA9\nCAF\xC3\x89\n");
-  const dialog_test::LogCapture quiet("LibStemmer");  // "Unsupported language"
   ZQ::Dialog::Stemmer english("enu"), unsupported("xx");
   // `tiny` empties its cache again and again.
   LineStemmer lines(english), tiny(english, 2), whole(unsupported);

@@ -8,7 +8,7 @@
 #include "corpus/line_stemmer.hpp"
 #include "ku/log.hpp"
 #include "testing/files.hpp"
-#include "testing/invariant.hpp"
+#include "invariant.hpp"
 
 // Never destroyed, so that the leak check finds them reachable.
 static ZQ::Dialog::Stemmer* stemmers[2];
@@ -44,11 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       dialog_corpus::formatRecord(format, words, elements, expected);
     }
     lineStemmers[i]->stemText(text, format, words, actual);
-    if (actual != expected) dialog_test::violated("stemText differs from the library");
+    dialog_test::check(actual == expected, "stemText differs from the library");
     std::vector<std::string> mine{"kept"}, library{"kept"};
     lineStemmers[i]->stemSentence(text, mine);
     stemmers[i]->stem_sentence(text, library);
-    if (mine != library) dialog_test::violated("stemSentence differs from stem_sentence");
+    dialog_test::check(mine == library, "stemSentence differs from stem_sentence");
   }
   return 0;
 }

@@ -1,49 +1,27 @@
-// dialog-stem's option parsing: the input is the argument list, one argument
-// per line. Checks the outcome's contract: run with valid options, or print
-// help and stop with 0, or one error line and status 2.
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
+// dialog-stem's option parsing over argument lists (one argument a line): run
+// with valid options, or help text and 0, or one error line and status 2.
 #include <QCoreApplication>
-#include <QStringList>
-
+#include "invariant.hpp"
 #include "options.hpp"
-#include "testing/invariant.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > dialog_test::kMaxFuzzInput) return 0;
-  // The help text names the application, as in the tool.
   static int argc = 1;
   static char name[] = "dialog-stem";
   static char* argv[] = {name, nullptr};
-  static const QCoreApplication app(argc, argv);
-  QStringList arguments{QStringLiteral("dialog-stem")};
-  arguments += QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size))
-                   .split(QLatin1Char('\n'));
-  const ParseResult result = parseOptions(arguments);
-  switch (result.exitStatus) {
-    case -1: {
-      const Options& o = result.options;
-      if (o.language != "enu" && o.language != "frf" && o.language != "jpj")
-        dialog_test::violated("unknown language accepted");
-      if (o.jobs < 1 || o.jobs > 1024) dialog_test::violated("jobs out of range");
-      if (!o.streamAlgorithm.empty() && (o.words || o.check || !o.inputs.empty()))
-        dialog_test::violated("--stream combined with another mode");
-      if (!result.output.empty() || !result.error.empty()) dialog_test::violated("text on success");
-      break;
-    }
-    case 0:
-      if (result.output.empty() || !result.error.empty())
-        dialog_test::violated("help without text");
-      break;
-    case 2:
-      if (result.error.rfind("dialog-stem: ", 0) != 0 || result.error.back() != '\n' ||
-          result.error.find('\n') != result.error.size() - 1)
-        dialog_test::violated("usage error is not one dialog-stem line");
-      break;
-    default:
-      dialog_test::violated("unexpected exit status");
-  }
+  static const QCoreApplication app(argc, argv);  // the help text names the application
+  const ParseResult r = parseOptions(
+      QStringList{QStringLiteral("dialog-stem")} +
+      QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size)).split('\n'));
+  const std::string& lang = r.options.language;
+  dialog_test::check(r.exitStatus != -1 || ((lang == "enu" || lang == "frf" || lang == "jpj") &&
+                                            r.options.jobs >= 1 && r.options.jobs <= 1024 &&
+                                            r.output.empty() && r.error.empty()),
+                     "bad options accepted");
+  dialog_test::check(r.exitStatus != 0 || (!r.output.empty() && r.error.empty()), "help text");
+  dialog_test::check(r.exitStatus != 2 || (r.error.rfind("dialog-stem: ", 0) == 0 &&
+                                           r.error.find('\n') + 1 == r.error.size()),
+                     "usage error is not one dialog-stem line");
+  dialog_test::check(r.exitStatus == -1 || r.exitStatus == 0 || r.exitStatus == 2, "status");
   return 0;
 }

@@ -1,5 +1,10 @@
 // dialog-stem: the stemming library from the shell and in pipelines. See --help.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
@@ -15,8 +20,25 @@
 
 namespace {
 
+bool isOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }
+
+// Prints a one-line error and gives the status 1.
+int failure(const char* what, const char* why = nullptr) {
+  std::fprintf(stderr, "dialog-stem: %s%s%s\n", what, why ? ": " : "", why ? why : "");
+  return 1;
+}
+
+// Flushes standard output after --check, --help or --version (the other modes
+// flush their own): `status` when everything arrived, else 1 with the write error.
+int flushed(int status) {
+  errno = 0;
+  if (std::fflush(stdout) != 0 || std::ferror(stdout))
+    return failure("cannot write standard output", std::strerror(errno ? errno : EIO));
+  return status;
+}
+
 int run(const Options& options) {
-  if (options.check) return runCheck(options.language);
+  if (options.check) return flushed(runCheck(options.language));
   if (!options.streamAlgorithm.empty()) return runStreamMode(options.streamAlgorithm);
   std::unique_ptr<ZQ::Dialog::Stemmer> stemmer;
   if (options.language == "jpj") {
@@ -36,14 +58,24 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Checked before Qt opens any file: a descriptor it opens would take the
+  // free number 0 or 1, and output would go there or input come from it.
+  if (!isOpen(STDOUT_FILENO)) return failure("standard output is closed");
+  const bool inputOpen = isOpen(STDIN_FILENO);
   try {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("dialog-stem"));
     const ParseResult parsed = parseOptions(QCoreApplication::arguments());
-    std::fputs(parsed.output.c_str(), stdout);
     std::fputs(parsed.error.c_str(), stderr);
-    if (parsed.exitStatus >= 0) return parsed.exitStatus;
-    return run(parsed.options);
+    if (parsed.exitStatus >= 0) {
+      std::fputs(parsed.output.c_str(), stdout);
+      return flushed(parsed.exitStatus);
+    }
+    const Options& options = parsed.options;
+    // Standard input matters only where it is read: no SENTENCE, no --check.
+    if (!inputOpen && !options.check && options.inputs.empty())
+      return failure("standard input is closed");
+    return run(options);
   } catch (const std::bad_alloc&) {
     std::fputs("dialog-stem: memory exhausted\n", stderr);
     return 1;

@@ -198,8 +198,10 @@ void writeOut(const char* bytes, std::size_t size) {
   if (size && std::fwrite(bytes, 1, size, stdout) != size) fail("cannot write standard output");
 }
 
-int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
-  if (!options.inputs.empty()) return stemArguments(stemmer, options);
+namespace {
+
+// Stems standard input; returns the exit status.
+int stemInput(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
   // The Japanese morpheme path serves one caller at a time.
   const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
   InputBlocks input(STDIN_FILENO, kMaxLineBytes);
@@ -214,7 +216,16 @@ int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
     std::fprintf(stderr, "dialog-stem: %s\n", error.what());
     return 1;
   }
-  if (input.tooLong()) return lineTooLong(input.tooLong());
-  if (std::fflush(stdout) != 0 || std::ferror(stdout)) fail("cannot write standard output");
-  return 0;
+  return input.tooLong() ? lineTooLong(input.tooLong()) : 0;
+}
+
+}  // namespace
+
+int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
+  const int status =
+      options.inputs.empty() ? stemInput(stemmer, options) : stemArguments(stemmer, options);
+  // What stdio still holds is written here: a short output fails only now.
+  if (status == 0 && (std::fflush(stdout) != 0 || std::ferror(stdout)))
+    fail("cannot write standard output");
+  return status;
 }

@@ -1,9 +1,8 @@
 #ifndef DIALOG_TESTING_GENERATED_DATA_HPP
 #define DIALOG_TESTING_GENERATED_DATA_HPP
 
-// Lemma data and sentences for the tests, fuzzers and benchmarks: one
-// deterministic generator, the treebank sentences when present, and the plain
-// reference loader the library's own must agree with. Not thread-safe.
+// Lemma data and sentences for the benchmarks: one deterministic generator and
+// the treebank sentences when present. Not thread-safe.
 
 #include <cstddef>
 #include <map>
@@ -12,6 +11,8 @@
 #include <vector>
 
 #include <QString>
+
+#include "testing/files.hpp"
 
 namespace dialog_test {
 
@@ -51,10 +52,8 @@ void shuffle(std::vector<LemmaPair>& pairs, unsigned long long seed);
 // `pairs` as the text of a lemma file, form line then lemma line.
 std::string lemmaFileText(const std::vector<LemmaPair>& pairs);
 
-// The lemma file at `path` read by the plainest loop: QFile in text mode,
-// QTextStream::readLine, one map insertion per pair. The library's loader must
-// give exactly this map.
-std::map<QString, QString> plainLemmaLoad(const std::string& path);
+// A temporary directory for the whole process, removed at its normal exit.
+const TempDir& processTempDir();
 
 // The "# text = " sentences of the UD development set of "enu" or "frf", read
 // in place from the treebank directory; empty when it is missing.

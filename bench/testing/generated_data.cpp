@@ -9,9 +9,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include <QFile>
 #include <QString>
-#include <QTextStream>
 
 #include "testing/files.hpp"
 
@@ -126,16 +124,9 @@ std::string lemmaFileText(const std::vector<LemmaPair>& pairs) {
   return text;
 }
 
-std::map<QString, QString> plainLemmaLoad(const std::string& path) {
-  std::map<QString, QString> map;
-  QFile file(QString::fromUtf8(path.c_str()));
-  if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) return map;
-  QTextStream in(&file);
-  while (!in.atEnd()) {
-    const QString form = in.readLine();
-    map[form] = in.readLine();
-  }
-  return map;
+const TempDir& processTempDir() {
+  static const TempDir dir;
+  return dir;
 }
 
 std::optional<std::string> defaultDataPrefix(const std::string& lang) {
