@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "corpus/line_stemmer.hpp"
+#include "invariant.hpp"
 #include "ku/log.hpp"
 #include "testing/files.hpp"
-#include "invariant.hpp"
 
 // Never destroyed, so that the leak check finds them reachable.
 static ZQ::Dialog::Stemmer* stemmers[2];
