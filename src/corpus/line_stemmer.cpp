@@ -1,33 +1,131 @@
 #include "corpus/line_stemmer.hpp"
 
-namespace dialog_corpus {
+#include <cstring>
+#include <utility>
 
-LineStemmer::LineStemmer(ZQ::Dialog::Stemmer& stemmer) : stemmer_(stemmer) {}
+#include <QLatin1String>
+#include <QRegExp>
+
+#include "corpus/utf8.hpp"
+#include "stemmer/stemmer_p.hpp"
+
+namespace dialog_corpus {
+namespace {
+
+bool isSeparator(char c) { return c == ' ' || c == '\''; }
+
+// The bytes before the first NUL: all that the library decodes of a sentence.
+std::string_view beforeNul(std::string_view text) {
+  const void* nul = std::memchr(text.data(), '\0', text.size());
+  return nul ? text.substr(0, static_cast<std::size_t>(static_cast<const char*>(nul) - text.data()))
+             : text;
+}
+
+// True when decoding each piece between spaces and apostrophes by itself gives
+// the decoded text's pieces: the text is valid UTF-8, and no U+FEFF opens a
+// piece but at the very start (Qt drops a byte-order mark there only, so
+// stemword would drop it from a later piece that the whole text keeps).
+bool piecesDecodeAlike(std::string_view text) {
+  if (!isValidUtf8(text)) return false;
+  constexpr std::string_view kBom = "\xEF\xBB\xBF";
+  for (std::size_t i = text.find(kBom, 1); i != std::string_view::npos; i = text.find(kBom, i + 1))
+    if (isSeparator(text[i - 1])) return false;
+  return true;
+}
+
+}  // namespace
+
+LineStemmer::LineStemmer(ZQ::Dialog::Stemmer& stemmer) : LineStemmer(stemmer, kCacheEntries) {}
+
+LineStemmer::LineStemmer(ZQ::Dialog::Stemmer& stemmer, std::size_t cacheEntries)
+    : stemmer_(stemmer), cache_(cacheEntries) {}
+
+void LineStemmer::setDrain(std::size_t bytes, std::function<void(std::string&)> drain) {
+  drainBytes_ = bytes;
+  drain_ = std::move(drain);
+}
+
+bool LineStemmer::splitsPieces() {
+  const ZQ::Dialog::StemmerPrivate* impl = stemmer_.impl;
+  if (impl != impl_) {
+    cache_.clear();
+    impl_ = impl;
+  }
+  // The regex-split path, with the split of the load-time rx.
+  const QRegExp& rx = ZQ::Dialog::rx;
+  return impl->stemmer && impl->lang != 0 && rx.patternSyntax() == QRegExp::RegExp &&
+         rx.caseSensitivity() == Qt::CaseSensitive && rx.pattern() == QLatin1String("[ ']");
+}
+
+LineStemmer::Stem LineStemmer::stem(std::string_view word) {
+  Stem found;
+  if (word.size() <= kMaxCachedBytes && cache_.find(word, found)) return found;
+  word_.assign(word.data(), word.size());
+  stemmer_.stemword(word_, result_);
+  const bool plain = isPlainText(result_);
+  if (word.size() <= kMaxCachedBytes) cache_.insert(word, result_, plain);
+  return {result_, plain};
+}
+
+template <typename Use>
+bool LineStemmer::forEachPieceStem(std::string_view text, Use&& use) {
+  text = beforeNul(text);
+  if (!piecesDecodeAlike(text)) return false;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (isSeparator(text[i])) {
+      use(stem(text.substr(start, i - start)));
+      start = i + 1;
+    }
+  }
+  use(stem(text.substr(start)));
+  return true;
+}
 
 void LineStemmer::stemSentence(const std::string& sentence, std::vector<std::string>& stems) {
+  if (splitsPieces() && forEachPieceStem(sentence, [&](Stem s) { stems.emplace_back(s.text); }))
+    return;
   stemmer_.stem_sentence(sentence, stems);
 }
 
-void LineStemmer::stemRecord(const std::string& line, Format format, bool words, std::string& out) {
-  elements_.clear();
+void LineStemmer::stemLine(std::string_view line, Format format, bool words, bool split,
+                           std::string& out) {
+  RecordWriter record(format, words, out);
+  const auto write = [&](Stem s) {
+    if (s.plain)
+      record.addPlain(s.text);
+    else
+      record.add(s.text);
+    drainIfFull(out);
+  };
   if (words) {
-    std::string word = line;
-    elements_.emplace_back();
-    stemmer_.stemword(word, elements_.back());
-  } else {
-    stemSentence(line, elements_);
+    write(stem(line));
+  } else if (!split || !forEachPieceStem(line, write)) {
+    elements_.clear();
+    line_.assign(line.data(), line.size());
+    stemmer_.stem_sentence(line_, elements_);
+    for (const std::string& element : elements_) {
+      record.add(element);
+      drainIfFull(out);
+    }
   }
-  formatRecord(format, words, elements_, out);
+  record.finish();
+}
+
+void LineStemmer::stemRecord(const std::string& line, Format format, bool words, std::string& out) {
+  stemLine(line, format, words, splitsPieces(), out);
+  drainIfFull(out);
 }
 
 void LineStemmer::stemText(std::string_view text, Format format, bool words, std::string& out) {
-  std::string line;
+  const bool split = splitsPieces();
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
-    line.assign(text.substr(0, end));
+    std::string_view line = text.substr(0, end);
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    stemRecord(line, format, words, out);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    stemLine(line, format, words, split, out);
+    drainIfFull(out);
   }
 }
 

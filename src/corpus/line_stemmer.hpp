@@ -1,22 +1,39 @@
 #ifndef DIALOG_CORPUS_LINE_STEMMER_HPP
 #define DIALOG_CORPUS_LINE_STEMMER_HPP
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "corpus/format.hpp"
+#include "corpus/stem_cache.hpp"
 #include "stemmer/stemmer.hpp"
 
 namespace dialog_corpus {
 
 // Stems corpus lines for dialog-stem and the Python module: the elements are
 // those of Stemmer::stem_sentence and Stemmer::stemword, byte for byte.
+//
+// English and French lines that are valid UTF-8 (up to a NUL, where the
+// library stops reading) are cut at the bytes space and apostrophe, and each
+// piece is stemmed through a bounded cache of stemword results: corpus text
+// repeats its words, so most pieces skip the library. Other lines, other
+// languages and a caller's own ZQ::Dialog::rx take the library's stem_sentence.
+//
 // Not thread-safe: one LineStemmer per thread; any number may share a Stemmer.
 class LineStemmer {
  public:
+  // Pieces and words cached by default; the cache is emptied when it is full.
+  static constexpr std::size_t kCacheEntries = std::size_t{1} << 16;
+  // Longer pieces and words go to the library each time, never into the cache.
+  static constexpr std::size_t kMaxCachedBytes = 64;
+
   // Stems with `stemmer`, which must outlive this object.
   explicit LineStemmer(ZQ::Dialog::Stemmer& stemmer);
+  // The same with a cache of at most `cacheEntries` pieces (0: none kept).
+  LineStemmer(ZQ::Dialog::Stemmer& stemmer, std::size_t cacheEntries);
 
   // Appends to `stems` exactly what stemmer.stem_sentence(sentence, stems)
   // appends, for any bytes; never removes anything.
@@ -31,9 +48,38 @@ class LineStemmer {
   // line), and one '\r' before that end is dropped.
   void stemText(std::string_view text, Format format, bool words, std::string& out);
 
+  // From now on stemRecord and stemText call `drain(out)` whenever `out` holds
+  // `bytes` or more between two elements, also inside one long line; `drain`
+  // writes the text out and empties `out`. An empty `drain` turns this off.
+  void setDrain(std::size_t bytes, std::function<void(std::string&)> drain);
+
  private:
+  using Stem = StemCache::Stem;
+
+  // Whether the library's stem_sentence cuts lines at spaces and apostrophes
+  // (its regex-split path); forgets the cache when the stemmer was reassigned.
+  bool splitsPieces();
+  // The stemword result of `word`, from the cache or from the library; valid
+  // until the next call.
+  Stem stem(std::string_view word);
+  // Calls `use(stem)` for each piece of `text` when cutting its bytes gives the
+  // library's pieces; false, having called nothing, when it does not.
+  template <typename Use>
+  bool forEachPieceStem(std::string_view text, Use&& use);
+  void stemLine(std::string_view line, Format format, bool words, bool split, std::string& out);
+  void drainIfFull(std::string& out) {
+    if (drain_ && out.size() >= drainBytes_) drain_(out);
+  }
+
   ZQ::Dialog::Stemmer& stemmer_;
+  const ZQ::Dialog::StemmerPrivate* impl_ = nullptr;  // whose results the cache holds
+  StemCache cache_;
+  std::string word_;                   // a word handed to the library, reused
+  std::string result_;                 // and its stem
+  std::string line_;                   // a line handed to the library, reused
   std::vector<std::string> elements_;  // reused from record to record
+  std::size_t drainBytes_ = 0;
+  std::function<void(std::string&)> drain_;
 };
 
 }  // namespace dialog_corpus

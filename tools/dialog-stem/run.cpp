@@ -3,54 +3,188 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <new>
+#include <mutex>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 #include "corpus/line_stemmer.hpp"
+#include "input_blocks.hpp"
 
 namespace {
 
-// A block is the unit of work of one thread: enough lines that handing them
-// over costs little, few enough that jobs x blocks stay small in memory.
-constexpr std::size_t kBlockLines = 4096;
-constexpr std::size_t kBlockBytes = 1 << 20;
+using dialog_corpus::LineStemmer;
+
+// Output is handed to standard output in pieces of about this size, also
+// inside one long line, so that a huge line never has its whole result in memory.
+constexpr std::size_t kDrainBytes = std::size_t{1} << 20;
+// Blocks larger than this hold a long line: they are stemmed by the reading
+// thread once every block before them is written, with the output drained.
+constexpr std::size_t kLongBlockBytes = 8 * InputBlocks::kBlockBytes;
 
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "dialog-stem: %s: %s\n", what, std::strerror(errno));
   std::exit(1);
 }
 
-// Reads the next line of standard input without its line end (and without a
-// '\r' before it); false at the end of the input.
-bool readLine(std::string& line) {
-  static char* buffer = nullptr;
-  static std::size_t capacity = 0;
-  errno = 0;
-  const ssize_t n = ::getline(&buffer, &capacity, stdin);
-  if (n < 0) {
-    if (errno == ENOMEM) throw std::bad_alloc();
-    if (std::ferror(stdin)) fail("cannot read standard input");
-    return false;
-  }
-  std::size_t size = static_cast<std::size_t>(n);
-  if (size && buffer[size - 1] == '\n') --size;
-  if (size && buffer[size - 1] == '\r') --size;
-  line.assign(buffer, size);
-  return true;
+// Writes and empties `text`, then hands standard output's buffer on, so that
+// every block is answered at once; throws std::system_error on failure.
+void writeAndFlush(std::string& text) {
+  if ((!text.empty() && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) ||
+      std::fflush(stdout) != 0)
+    throw std::system_error(errno, std::generic_category(), "cannot write standard output");
+  text.clear();
 }
 
-void stemBlock(ZQ::Dialog::Stemmer& stemmer, const Options& options,
-               std::vector<std::string>& lines, std::string& out) {
-  dialog_corpus::LineStemmer lineStemmer(stemmer);
-  for (const std::string& line : lines)
-    lineStemmer.stemRecord(line, options.format, options.words, out);
+// A LineStemmer whose output goes to standard output whenever kDrainBytes gathered.
+void drainToStdout(LineStemmer& lines) { lines.setDrain(kDrainBytes, writeAndFlush); }
+
+// SENTENCE arguments: each is one line; a '\r' at its end is dropped.
+int stemArguments(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
+  LineStemmer lines(stemmer);
+  std::string out;
+  std::size_t number = 0;
+  for (std::string line : options.inputs) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (++number, line.size() > kMaxLineBytes) {
+      writeOut(out.data(), out.size());
+      return lineTooLong(number);
+    }
+    lines.stemRecord(line, options.format, options.words, out);
+  }
+  writeOut(out.data(), out.size());
+  return 0;
 }
+
+void stemSerially(ZQ::Dialog::Stemmer& stemmer, const Options& options, InputBlocks& input) {
+  LineStemmer lines(stemmer);
+  drainToStdout(lines);
+  std::string block, out;
+  while (input.next(block)) {
+    lines.stemText(block, options.format, options.words, out);
+    writeAndFlush(out);
+  }
+}
+
+// `jobs` threads stem blocks while the calling thread reads them; whichever
+// thread finds the oldest unwritten block stemmed writes it and every stemmed
+// block after it, so output keeps the input's order.
+class Parallel {
+ public:
+  Parallel(ZQ::Dialog::Stemmer& stemmer, const Options& options, unsigned jobs)
+      : stemmer_(stemmer), options_(options), jobs_(jobs), slots_(2 * jobs) {}
+
+  // Reads and stems all of `input`; rethrows the first failure of any thread.
+  void run(InputBlocks& input) {
+    try {
+      for (unsigned i = 0; i < jobs_; ++i) threads_.emplace_back([this] { work(); });
+      for (std::string* block; (block = freeSlot()) && input.next(*block);) {
+        if (block->size() > kLongBlockBytes) {
+          stemLongBlock(*block);
+        } else {
+          const std::lock_guard<std::mutex> lock(mutex_);
+          ++read_;
+          changed_.notify_all();
+        }
+      }
+    } catch (...) {
+      stop(std::current_exception());
+    }
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      done_ = true;
+      changed_.notify_all();
+    }
+    for (std::thread& thread : threads_) thread.join();
+    if (error_) std::rethrow_exception(error_);
+  }
+
+ private:
+  struct Slot {
+    std::string in, out;
+    bool stemmed = false;
+  };
+
+  // The slot for the next block once one is free; null after a failure.
+  std::string* freeSlot() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [&] { return error_ || read_ - written_ < slots_.size(); });
+    return error_ ? nullptr : &slots_[read_ % slots_.size()].in;
+  }
+
+  void stop(std::exception_ptr error) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!error_) error_ = std::move(error);
+    changed_.notify_all();
+  }
+
+  // A long line: no other thread holds output, so it is written as it is made.
+  void stemLongBlock(const std::string& block) {
+    {
+      std::unique_lock<std::mutex> lock(mutex_);
+      changed_.wait(lock, [&] { return error_ || written_ == read_; });
+      if (error_) return;
+    }
+    LineStemmer lines(stemmer_);
+    drainToStdout(lines);
+    std::string out;
+    lines.stemText(block, options_.format, options_.words, out);
+    writeAndFlush(out);
+  }
+
+  void work() {
+    try {
+      LineStemmer lines(stemmer_);
+      // Stemmed into a string of this thread's own: appending to one inside
+      // the shared slots would keep its cache line moving between cores.
+      std::string out;
+      std::unique_lock<std::mutex> lock(mutex_);
+      for (;;) {
+        changed_.wait(lock, [&] { return error_ || taken_ < read_ || done_; });
+        if (error_ || taken_ == read_) return;
+        Slot& slot = slots_[taken_++ % slots_.size()];
+        const std::string_view in = slot.in;
+        lock.unlock();
+        lines.stemText(in, options_.format, options_.words, out);
+        lock.lock();
+        slot.out.swap(out);
+        slot.stemmed = true;
+        if (writing_) continue;  // the thread writing picks this block up
+        writing_ = true;
+        for (Slot* next; !error_ && (next = &slots_[written_ % slots_.size()])->stemmed;) {
+          lock.unlock();
+          writeAndFlush(next->out);
+          lock.lock();
+          next->stemmed = false;
+          ++written_;
+          changed_.notify_all();
+        }
+        writing_ = false;
+      }
+    } catch (...) {
+      stop(std::current_exception());
+    }
+  }
+
+  ZQ::Dialog::Stemmer& stemmer_;
+  const Options& options_;
+  unsigned jobs_;
+  std::vector<Slot> slots_;  // block n lives in slot n % size until written
+  std::vector<std::thread> threads_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::size_t read_ = 0, taken_ = 0, written_ = 0;  // blocks so far
+  bool writing_ = false;                            // a thread is writing blocks
+  bool done_ = false;                               // no block will follow
+  std::exception_ptr error_;
+};
 
 }  // namespace
 
@@ -65,65 +199,22 @@ void writeOut(const char* bytes, std::size_t size) {
 }
 
 int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
-  // At a terminal each line is answered at once; elsewhere lines go in blocks.
-  const bool interactive = isatty(STDIN_FILENO) || isatty(STDOUT_FILENO);
-  const std::size_t blockLines = interactive ? 1 : kBlockLines;
+  if (!options.inputs.empty()) return stemArguments(stemmer, options);
+  // The Japanese morpheme path serves one caller at a time.
   const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
-  std::size_t next = 0;     // next SENTENCE argument
-  std::size_t number = 0;   // lines read so far
-  std::size_t tooLong = 0;  // the number of a line over kMaxLineBytes, once read
-  // Fills `block` with up to blockLines lines; false when there were none.
-  const auto fill = [&](std::vector<std::string>& block) {
-    block.clear();
-    std::size_t bytes = 0;
-    std::string line;
-    while (block.size() < blockLines && bytes < kBlockBytes && !tooLong) {
-      if (!options.inputs.empty()) {
-        if (next == options.inputs.size()) break;
-        line = options.inputs[next++];
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-      } else if (!readLine(line)) {
-        break;
-      }
-      if (++number, line.size() > kMaxLineBytes) {
-        tooLong = number;
-        break;
-      }
-      bytes += line.size();
-      block.push_back(std::move(line));
+  InputBlocks input(STDIN_FILENO, kMaxLineBytes);
+  try {
+    if (jobs <= 1) {
+      stemSerially(stemmer, options, input);
+    } else {
+      Parallel parallel(stemmer, options, jobs);
+      parallel.run(input);
     }
-    return !block.empty();
-  };
-
-  // At most `jobs` blocks are in flight: read, stemmed side by side, written in order.
-  std::vector<std::vector<std::string>> blocks(jobs);
-  std::vector<std::string> outputs(jobs);
-  for (;;) {
-    unsigned filled = 0;
-    while (filled < jobs && fill(blocks[filled])) ++filled;
-    if (filled == 0) break;
-    std::vector<std::thread> helpers;
-    std::vector<std::exception_ptr> errors(filled);
-    for (unsigned i = 1; i < filled; ++i)
-      helpers.emplace_back([&, i] {
-        try {
-          stemBlock(stemmer, options, blocks[i], outputs[i]);
-        } catch (...) {
-          errors[i] = std::current_exception();  // memory exhausted, reported below
-        }
-      });
-    stemBlock(stemmer, options, blocks[0], outputs[0]);
-    for (std::thread& helper : helpers) helper.join();
-    for (const std::exception_ptr& error : errors)
-      if (error) std::rethrow_exception(error);
-    for (unsigned i = 0; i < filled; ++i) {
-      writeOut(outputs[i].data(), outputs[i].size());
-      outputs[i].clear();
-    }
-    if (interactive && std::fflush(stdout) != 0) fail("cannot write standard output");
-    if (filled < jobs) break;
+  } catch (const std::system_error& error) {
+    std::fprintf(stderr, "dialog-stem: %s\n", error.what());
+    return 1;
   }
-  if (tooLong) return lineTooLong(tooLong);
+  if (input.tooLong()) return lineTooLong(input.tooLong());
   if (std::fflush(stdout) != 0 || std::ferror(stdout)) fail("cannot write standard output");
   return 0;
 }

@@ -1,0 +1,75 @@
+#include "corpus/stem_cache.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace dialog_corpus {
+
+StemCache::StemCache(std::size_t capacity) : capacity_(capacity) {
+  // At most half the slots in use keeps probe runs short.
+  std::size_t slots = 16;
+  while (slots < 2 * capacity_) slots *= 2;
+  mask_ = slots - 1;
+  slots_.assign(slots, 0);
+}
+
+std::size_t StemCache::hash(std::string_view word) {
+  // Words are short: eight bytes at a time with one multiply each, then a
+  // final mix so that the low bits (the slot) and high bits (the tag) both vary.
+  std::uint64_t h = word.size() * 0x9E3779B97F4A7C15u;
+  const char* p = word.data();
+  std::size_t n = word.size();
+  for (; n >= 8; p += 8, n -= 8) {
+    std::uint64_t eight;
+    std::memcpy(&eight, p, 8);
+    h = (h ^ eight) * 0xFF51AFD7ED558CCDu;
+    h ^= h >> 32;
+  }
+  std::uint64_t rest = 0;
+  for (std::size_t k = 0; k < n; ++k)
+    rest |= std::uint64_t{static_cast<unsigned char>(p[k])} << (8 * k);
+  h = (h ^ rest) * 0xFF51AFD7ED558CCDu;
+  h ^= h >> 29;
+  h *= 0xC4CEB9FE1A85EC53u;
+  return h ^ (h >> 32);
+}
+
+bool StemCache::find(std::string_view word, Stem& stem) const {
+  const std::uint64_t h = hash(word);
+  const std::uint64_t tag = h >> 32 << 32;
+  for (std::size_t i = h & mask_;; i = (i + 1) & mask_) {
+    const std::uint64_t slot = slots_[i];
+    if (slot == 0) return false;
+    if ((slot & ~std::uint64_t{0xFFFFFFFF}) != tag) continue;
+    const Entry& entry = entries_[(slot & 0xFFFFFFFF) - 1];
+    if (entry.wordBytes == word.size() &&
+        std::equal(word.begin(), word.end(), arena_.data() + entry.offset)) {
+      stem = {std::string_view(arena_).substr(entry.offset + entry.wordBytes, entry.stemBytes),
+              entry.plain};
+      return true;
+    }
+  }
+}
+
+void StemCache::insert(std::string_view word, std::string_view stem, bool plain) {
+  if (capacity_ == 0 || stem.size() > kMaxStemBytes) return;
+  // Offsets are 32-bit: a cache past 4 GiB of text starts afresh too.
+  if (entries_.size() >= capacity_ || arena_.size() + word.size() + stem.size() > 0xFFFFFFFFu)
+    clear();
+  const std::uint64_t h = hash(word);
+  std::size_t i = h & mask_;
+  while (slots_[i] != 0) i = (i + 1) & mask_;
+  entries_.push_back({static_cast<std::uint32_t>(arena_.size()),
+                      static_cast<std::uint32_t>(word.size()),
+                      static_cast<std::uint32_t>(stem.size()), plain});
+  slots_[i] = (h >> 32 << 32) | entries_.size();
+  (arena_ += word) += stem;
+}
+
+void StemCache::clear() {
+  std::fill(slots_.begin(), slots_.end(), 0);
+  entries_.clear();
+  arena_.clear();
+}
+
+}  // namespace dialog_corpus

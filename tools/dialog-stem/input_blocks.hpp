@@ -1,0 +1,42 @@
+#ifndef DIALOG_STEM_INPUT_BLOCKS_HPP
+#define DIALOG_STEM_INPUT_BLOCKS_HPP
+
+#include <cstddef>
+#include <string>
+
+// Reads a file descriptor in blocks of whole lines: large blocks while input
+// keeps coming, and at once whatever complete lines have arrived when no more
+// is ready, so that a person or a coprocess gets each answer without waiting.
+// Not thread-safe; one reader per descriptor.
+class InputBlocks {
+ public:
+  // A block grows to about this size while more input is ready at once.
+  static constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
+
+  // Reads `fd` (left open) and stops at a line longer than `maxLineBytes`.
+  InputBlocks(int fd, std::size_t maxLineBytes);
+
+  // Replaces `block` with the next lines, each with its '\n' (the input's last
+  // line may lack it), never splitting a line. False when no line is left or
+  // the next one is too long (tooLong() then says which). A failed read throws
+  // std::system_error ("cannot read standard input").
+  bool next(std::string& block);
+
+  // The number of the line over the limit that ended the input, else 0.
+  std::size_t tooLong() const { return tooLong_; }
+
+ private:
+  // Appends what one read(2) gives; sets end_ at the end of the input.
+  void readMore(std::string& block);
+  // True when a read would not wait (more input, its end, or an error).
+  bool ready() const;
+
+  int fd_;
+  std::size_t maxLineBytes_;
+  std::string pending_;      // read after the last line end handed out
+  std::size_t lines_ = 0;    // lines handed out
+  std::size_t tooLong_ = 0;  // see tooLong()
+  bool end_ = false;
+};
+
+#endif  // DIALOG_STEM_INPUT_BLOCKS_HPP
