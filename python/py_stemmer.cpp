@@ -18,9 +18,9 @@ namespace {
 // chunks, and the elements waiting to become str objects stay few.
 constexpr std::size_t kChunk = 1024;
 
-// The str objects of one call's elements, each distinct element made once:
-// text is Zipfian, so most elements reuse an object made before. Bounded,
-// since a corpus of rare words would gain nothing from more entries.
+// The str objects of elements, each distinct element made once: text is
+// Zipfian, so most elements reuse an object made before. Emptied when full,
+// so that it follows the text at hand. Used with the GIL held.
 class StrCache {
  public:
   // A new reference to the str of `text`; throws error_already_set when
@@ -31,7 +31,8 @@ class StrCache {
     PyObject* str =
         PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), nullptr);
     if (!str) throw py::error_already_set();
-    if (made_.size() < kMaxEntries) made_.emplace(text, py::reinterpret_borrow<py::object>(str));
+    if (made_.size() == kMaxEntries) made_.clear();
+    made_.emplace(text, py::reinterpret_borrow<py::object>(str));
     return str;
   }
 
@@ -104,6 +105,42 @@ void warnWithoutLemmas(const std::string& language) {
 
 }  // namespace
 
+// What one call stems with: a LineStemmer (used without the GIL) and a
+// StrCache (used with it), both keeping their caches from call to call.
+struct Workspace {
+  explicit Workspace(ZQ::Dialog::Stemmer& stemmer) : line(stemmer) {}
+  dialog_corpus::LineStemmer line;
+  StrCache strs;
+};
+
+// A workspace for one call: an idle one, else a new one; handed back when the
+// lease ends (with the GIL held), unless enough are idle already.
+class PyStemmer::Lease {
+ public:
+  explicit Lease(const PyStemmer& owner) : owner_(owner) {
+    if (owner.idle_.empty()) {
+      workspace_ = std::make_unique<Workspace>(*owner.stemmer_);
+    } else {
+      workspace_ = std::move(owner.idle_.back());
+      owner.idle_.pop_back();
+    }
+  }
+  ~Lease() {
+    if (owner_.idle_.size() < kMaxIdle) owner_.idle_.push_back(std::move(workspace_));
+  }
+  Lease(const Lease&) = delete;
+  Lease& operator=(const Lease&) = delete;
+  Workspace* operator->() const { return workspace_.get(); }
+
+ private:
+  static constexpr std::size_t kMaxIdle = 4;
+  const PyStemmer& owner_;
+  std::unique_ptr<Workspace> workspace_;
+};
+
+PyStemmer::PyStemmer(PyStemmer&&) noexcept = default;
+PyStemmer::~PyStemmer() = default;
+
 std::string utf8(py::handle text) { return std::string(utf8View(text)); }
 
 void rejectSingleText(py::handle items, const char* function) {
@@ -133,11 +170,12 @@ std::string PyStemmer::stemword(const py::str& word) const {
 py::list PyStemmer::stemSentence(const py::str& sentence) const {
   const std::string text = utf8(sentence);
   std::vector<std::string> elements;
+  const Lease workspace(*this);
   {
     py::gil_scoped_release release;
-    dialog_corpus::LineStemmer(*stemmer_).stemSentence(text, elements);
+    workspace->line.stemSentence(text, elements);
   }
-  return StrCache().list(elements, 0, elements.size());
+  return workspace->strs.list(elements, 0, elements.size());
 }
 
 py::list PyStemmer::stemSentences(const py::handle& sentences) const {
@@ -150,8 +188,7 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
   for (std::size_t i = 0; i < count; ++i) texts[i] = utf8View(items[i]);
 
   py::list results(count);
-  dialog_corpus::LineStemmer line(*stemmer_);
-  StrCache strs;
+  const Lease workspace(*this);
   std::vector<std::string> elements;
   std::vector<std::size_t> ends;
   std::string text;
@@ -163,13 +200,13 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
       py::gil_scoped_release release;
       for (std::size_t i = first; i < last; ++i) {
         text.assign(texts[i]);
-        line.stemSentence(text, elements);
+        workspace->line.stemSentence(text, elements);
         ends.push_back(elements.size());
       }
     }
     for (std::size_t i = first, begin = 0; i < last; begin = ends[i - first], ++i)
       PyList_SET_ITEM(results.ptr(), static_cast<Py_ssize_t>(i),
-                      strs.list(elements, begin, ends[i - first]).release().ptr());
+                      workspace->strs.list(elements, begin, ends[i - first]).release().ptr());
   }
   return results;
 }
@@ -178,9 +215,10 @@ py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format,
   const dialog_corpus::Format parsed = parseFormat(format);
   const ByteView input(data);
   std::string out;
+  const Lease workspace(*this);
   {
     py::gil_scoped_release release;
-    dialog_corpus::LineStemmer(*stemmer_).stemText(input.text(), parsed, words, out);
+    workspace->line.stemText(input.text(), parsed, words, out);
   }
   return py::bytes(out);
 }

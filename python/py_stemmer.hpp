@@ -5,8 +5,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "stemmer/stemmer.hpp"
+
+struct Workspace;
 
 // The object behind dialog_stemmer.Stemmer: one ZQ::Dialog::Stemmer of one
 // language code, and the conversions between Python objects and its calls.
@@ -40,10 +43,18 @@ class PyStemmer {
   pybind11::bytes stemText(const pybind11::handle& data, const std::string& format,
                            bool words) const;
 
+  PyStemmer(PyStemmer&&) noexcept;
+  ~PyStemmer();  // with the GIL held, as pybind11 destroys its objects
+
  private:
+  class Lease;
+
   std::string language_;
   // Owned here and never copied: copies of a Stemmer share one implementation.
   std::unique_ptr<ZQ::Dialog::Stemmer> stemmer_;
+  // Workspaces that calls left behind, whose caches the next calls reuse;
+  // guarded by the GIL. Mutable: caches change no result.
+  mutable std::vector<std::unique_ptr<Workspace>> idle_;
 };
 
 // The UTF-8 bytes of a str. UnicodeEncodeError for a lone surrogate,
