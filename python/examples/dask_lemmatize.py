@@ -4,7 +4,7 @@ array of normal forms a line out, in input order, byte for byte what
 `dialog-stem --format jsonl` writes for the same lines (bytes that are not
 UTF-8 included).
 
-    python3 python/examples/dask_lemmatize.py [--lang enu] [--workers 2]
+    python3 python/examples/dask_lemmatize.py [--lang enu] [--workers 2] [--processes]
         [--blocksize 16MiB] [--dashboard ADDRESS] [--scheduler ADDRESS] IN OUT
 
 Each task reads its own block of IN (a byte range cut at line ends, by
@@ -14,10 +14,12 @@ results at a time, never the corpus. With a '*' in OUT (e.g. out/part-*.jsonl)
 the workers write one part file per block instead, numbered in input order
 (zero-padded, so that sorted names concatenate to the whole result).
 
---workers 0 runs the blocks in this process (Dask's synchronous scheduler);
---workers N starts a local cluster of N single-threaded worker processes
-that listen on 127.0.0.1 only. --dashboard ADDRESS (e.g. 127.0.0.1:8787) asks
-for the scheduler's dashboard there; without it none is served.
+--workers 0 runs the blocks in this process (Dask's synchronous scheduler).
+--workers N starts a local cluster of N single-threaded workers: threads of
+this process (stem_text releases the GIL, and results need no copying between
+processes), or with --processes worker processes that listen on 127.0.0.1
+only. --dashboard ADDRESS (e.g. 127.0.0.1:8787) serves the scheduler's
+dashboard there; without it none is served, on no interface.
 
 On a cluster of several machines, start `dask scheduler` on one and
 `dask worker tcp://SCHEDULER:8786` on each, with dialog_stemmer and its data
@@ -40,7 +42,9 @@ def parse_args(argv):
     p.add_argument("input", help="text file or URL, one sentence a line, any bytes")
     p.add_argument("output", help="JSON lines file or URL to write; with '*': one part file per block")
     p.add_argument("--lang", default="enu", choices=["enu", "frf", "jpj"])
-    p.add_argument("--workers", type=int, default=2, help="local worker processes (0: none)")
+    p.add_argument("--workers", type=int, default=2, help="local workers (0: none)")
+    p.add_argument("--processes", action="store_true",
+                   help="local workers in processes of their own (default: threads of this one)")
     p.add_argument("--blocksize", default="16MiB", help="bytes of input per task")
     p.add_argument("--dashboard", metavar="ADDRESS", help="serve the dashboard there (default: none)")
     p.add_argument("--scheduler", metavar="ADDRESS", help="use this running scheduler, not a local one")
@@ -139,11 +143,13 @@ def main(argv):
         cluster = None
         if not args.scheduler:
             # Every listener on the loopback interface: Debian's distributed
-            # serves HTTP on all interfaces when given no address.
-            cluster = LocalCluster(n_workers=args.workers, threads_per_worker=1, processes=True,
-                                   host="127.0.0.1", worker_dashboard_address="127.0.0.1:0",
+            # serves HTTP on all interfaces when given no address. Threads of
+            # this process talk in memory (inproc), processes over TCP.
+            where = {"host": "127.0.0.1"} if args.processes else {}
+            cluster = LocalCluster(n_workers=args.workers, threads_per_worker=1, processes=args.processes,
+                                   worker_dashboard_address="127.0.0.1:0",
                                    dashboard_address=args.dashboard or "127.0.0.1:0",
-                                   scheduler_kwargs={"dashboard": bool(args.dashboard)})
+                                   scheduler_kwargs={"dashboard": bool(args.dashboard)}, **where)
         with Client(args.scheduler or cluster) as client:
             window = 2 * max(1, sum(client.nthreads().values()))
             message = write(args.output, in_order(tasks, client.compute, window))
