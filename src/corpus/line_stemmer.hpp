@@ -25,8 +25,9 @@ namespace dialog_corpus {
 // Not thread-safe: one LineStemmer per thread; any number may share a Stemmer.
 class LineStemmer {
  public:
-  // Pieces and words cached by default; the cache is emptied when it is full.
-  static constexpr std::size_t kCacheEntries = std::size_t{1} << 16;
+  // Pieces and words cached by default, about 15 MB at most; the cache is
+  // emptied when it is full. Tens of megabytes of text rarely hold more words.
+  static constexpr std::size_t kCacheEntries = std::size_t{1} << 18;
   // Longer pieces and words go to the library each time, never into the cache.
   static constexpr std::size_t kMaxCachedBytes = 64;
 

@@ -5,13 +5,7 @@
 
 namespace dialog_corpus {
 
-StemCache::StemCache(std::size_t capacity) : capacity_(capacity) {
-  // At most half the slots in use keeps probe runs short.
-  std::size_t slots = 16;
-  while (slots < 2 * capacity_) slots *= 2;
-  mask_ = slots - 1;
-  slots_.assign(slots, 0);
-}
+StemCache::StemCache(std::size_t capacity) : capacity_(capacity) { rehash(kFirstSlots); }
 
 std::size_t StemCache::hash(std::string_view word) {
   // Words are short: eight bytes at a time with one multiply each, then a
@@ -51,18 +45,30 @@ bool StemCache::find(std::string_view word, Stem& stem) const {
   }
 }
 
+void StemCache::place(std::uint64_t hash, std::size_t entryNumber) {
+  std::size_t i = hash & mask_;
+  while (slots_[i] != 0) i = (i + 1) & mask_;
+  slots_[i] = (hash >> 32 << 32) | entryNumber;
+}
+
+void StemCache::rehash(std::size_t slots) {
+  slots_.assign(slots, 0);
+  mask_ = slots - 1;
+  for (std::size_t k = 0; k < entries_.size(); ++k)
+    place(hash(std::string_view(arena_).substr(entries_[k].offset, entries_[k].wordBytes)), k + 1);
+}
+
 void StemCache::insert(std::string_view word, std::string_view stem, bool plain) {
   if (capacity_ == 0 || stem.size() > kMaxStemBytes) return;
   // Offsets are 32-bit: a cache past 4 GiB of text starts afresh too.
   if (entries_.size() >= capacity_ || arena_.size() + word.size() + stem.size() > 0xFFFFFFFFu)
     clear();
-  const std::uint64_t h = hash(word);
-  std::size_t i = h & mask_;
-  while (slots_[i] != 0) i = (i + 1) & mask_;
+  // At most half the slots in use keeps probe runs short.
+  if (2 * (entries_.size() + 1) > slots_.size()) rehash(2 * slots_.size());
   entries_.push_back({static_cast<std::uint32_t>(arena_.size()),
                       static_cast<std::uint32_t>(word.size()),
                       static_cast<std::uint32_t>(stem.size()), plain});
-  slots_[i] = (h >> 32 << 32) | entries_.size();
+  place(hash(word), entries_.size());
   (arena_ += word) += stem;
 }
 

@@ -18,21 +18,24 @@ namespace dialog_corpus {
 class StemCache {
  public:
   struct Stem {
-    std::string_view text;  // valid until the next insert
+    std::string_view text;  // valid until the next insert or clear
     bool plain;             // written without escaping (isPlainText)
   };
 
   // Longer stems are never cached.
   static constexpr std::size_t kMaxStemBytes = 4096;
 
-  // Holds at most `capacity` words; the one after the last empties it.
+  // Holds at most `capacity` words; the one after the last empties it. The
+  // index starts small and grows with the words.
   explicit StemCache(std::size_t capacity);
 
-  // The stem cached for `word`, or false.
+  // Sets `stem` to the one cached for `word` and returns true; false when
+  // `word` is not cached.
   bool find(std::string_view word, Stem& stem) const;
   // Caches `stem` for `word`, which find() has just not found; empties the
   // cache first when it is full. A capacity of 0 caches nothing.
   void insert(std::string_view word, std::string_view stem, bool plain);
+  // Forgets every word; keeps the index's size.
   void clear();
 
  private:
@@ -42,10 +45,15 @@ class StemCache {
     std::uint32_t stemBytes;
     bool plain;
   };
+  static constexpr std::size_t kFirstSlots = 1024;
   static std::size_t hash(std::string_view word);
+  // Points a free slot, found from `hash`, at entries_[entryNumber - 1].
+  void place(std::uint64_t hash, std::size_t entryNumber);
+  // Rebuilds the index with `slots` slots, a power of two.
+  void rehash(std::size_t slots);
 
   std::size_t capacity_;
-  std::size_t mask_;                  // slots_.size() - 1
+  std::size_t mask_ = 0;              // slots_.size() - 1
   std::vector<std::uint64_t> slots_;  // 0 empty, else hash's high half << 32 | entry + 1
   std::vector<Entry> entries_;
   std::string arena_;
