@@ -31,6 +31,7 @@ by this client, or with a '*' by the workers, on a path they all share.
 
 import argparse
 import collections
+import contextlib
 import sys
 import threading
 
@@ -150,11 +151,9 @@ def main(argv):
                                    worker_dashboard_address="127.0.0.1:0",
                                    dashboard_address=args.dashboard or "127.0.0.1:0",
                                    scheduler_kwargs={"dashboard": bool(args.dashboard)}, **where)
-        with Client(args.scheduler or cluster) as client:
+        with cluster or contextlib.nullcontext(), Client(args.scheduler or cluster) as client:
             window = 2 * max(1, sum(client.nthreads().values()))
             message = write(args.output, in_order(tasks, client.compute, window))
-        if cluster:
-            cluster.close()
     print(f"dask_lemmatize.py: {message}", file=sys.stderr)
     return 0
 
