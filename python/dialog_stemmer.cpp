@@ -103,10 +103,10 @@ const PyStemmer& live(const StemmerSelf& self) {
 // pybind11 ignores a second __init__ or __setstate__ on a live object, which
 // would leave it unchanged without a word: wraps `name` to raise instead.
 // (A function named __init__ or __setstate__ would be ignored the same way,
-// hence the internal name.)
+// hence the qualified name.)
 template <typename Arg>
 void refuseOnLiveObject(py::class_<PyStemmer>& cls, const char* name, const char* internalName,
-                        const char* doc) {
+                        const char* argument, const char* doc) {
   const py::object original = cls.attr(name);
   py::options options;
   options.disable_function_signatures();
@@ -118,7 +118,7 @@ void refuseOnLiveObject(py::class_<PyStemmer>& cls, const char* name, const char
                                                " on a Stemmer already built: make a new one");
                     original(self.object, arg);
                   },
-                  py::name(internalName), py::is_method(cls), doc));
+                  py::name(internalName), py::is_method(cls), py::arg(argument), doc));
 }
 
 // (type(self), (code,)): a new stemmer for the same code, for every pickle
@@ -203,10 +203,10 @@ at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc
                py::repr(py::str(live(self).language())).cast<std::string>() + ")";
       });
   refuseOnLiveObject<py::str>(
-      cls, "__init__", "init",
+      cls, "__init__", "Stemmer.__init__", "code",
       "__init__(self, code: str) -> None\n\n"
       "Builds the stemmer of `code`; RuntimeError on a Stemmer already built.");
-  refuseOnLiveObject<py::tuple>(cls, "__setstate__", "setstate",
+  refuseOnLiveObject<py::tuple>(cls, "__setstate__", "Stemmer.__setstate__", "state",
                                 "__setstate__(self, state: tuple) -> None\n\n"
                                 "Builds the stemmer of the code in `state` (a pickle's state);\n"
                                 "RuntimeError on a Stemmer already built.");
