@@ -140,7 +140,12 @@ def main():
                  (f"stem_sentences/{lang}/python_2_threads", two, f"words/s  {two / py:.2f}x one thread")]
         if before:
             rows.append((f"stem_sentences/{lang}/before", before, "words/s  (baseline: --before)"))
-    rows += dask_rows(tool, args.dask_mb, min(3, args.repetitions))
+    try:
+        import dask, distributed  # noqa: F401  (the example's own imports)
+
+        rows += dask_rows(tool, args.dask_mb, min(3, args.repetitions))
+    except ImportError as missing:
+        rows.append(("dask_lemmatize", 0, f"skipped: {missing.name} is not installed"))
     print(f"{'case':34} {'median':>12}  unit     vs baseline")
     for case, value, rest in rows:
         print(f"{case:34} {value:12,.{0 if value > 100 else 2}f}  {rest}")
