@@ -5,7 +5,7 @@ array of normal forms a line out, in input order, byte for byte what
 UTF-8 included).
 
     python3 python/examples/dask_lemmatize.py [--lang enu] [--workers 2] [--processes]
-        [--blocksize 16MiB] [--dashboard ADDRESS] [--scheduler ADDRESS] IN OUT
+        [--blocksize 8MiB] [--dashboard ADDRESS] [--scheduler ADDRESS] IN OUT
 
 Each task reads its own block of IN (a byte range cut at line ends, by
 dask.bytes.read_bytes), stems it with Stemmer.stem_text and returns one bytes
@@ -46,7 +46,8 @@ def parse_args(argv):
     p.add_argument("--workers", type=int, default=2, help="local workers (0: none)")
     p.add_argument("--processes", action="store_true",
                    help="local workers in processes of their own (default: threads of this one)")
-    p.add_argument("--blocksize", default="16MiB", help="bytes of input per task")
+    p.add_argument("--blocksize", default="8MiB",
+                   help="bytes of input per task (small blocks leave little idle time at the end)")
     p.add_argument("--dashboard", metavar="ADDRESS", help="serve the dashboard there (default: none)")
     p.add_argument("--scheduler", metavar="ADDRESS", help="use this running scheduler, not a local one")
     args = p.parse_args(argv)
