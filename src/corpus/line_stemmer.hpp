@@ -19,8 +19,10 @@ namespace dialog_corpus {
 // English and French lines that are valid UTF-8 (up to a NUL, where the
 // library stops reading) are cut at the bytes space and apostrophe, and each
 // piece is stemmed through a bounded cache of stemword results: corpus text
-// repeats its words, so most pieces skip the library. Other lines, other
-// languages and a caller's own ZQ::Dialog::rx take the library's stem_sentence.
+// repeats its words, so most pieces skip the library. Lines where a U+FEFF
+// starts a later piece, other languages and a caller's own ZQ::Dialog::rx take
+// the library's stem_sentence. Words (`words`) go through the same cache in
+// every language: stemword depends on the word alone.
 //
 // Not thread-safe: one LineStemmer per thread; any number may share a Stemmer.
 class LineStemmer {
@@ -67,6 +69,7 @@ class LineStemmer {
   // library's pieces; false, having called nothing, when it does not.
   template <typename Use>
   bool forEachPieceStem(std::string_view text, Use&& use);
+  // One record; `split` is splitsPieces() for the call it serves.
   void stemLine(std::string_view line, Format format, bool words, bool split, std::string& out);
   void drainIfFull(std::string& out) {
     if (drain_ && out.size() >= drainBytes_) drain_(out);

@@ -8,21 +8,28 @@ namespace dialog_corpus {
 StemCache::StemCache(std::size_t capacity) : capacity_(capacity) { rehash(kFirstSlots); }
 
 std::size_t StemCache::hash(std::string_view word) {
-  // Words are short: eight bytes at a time with one multiply each, then a
-  // final mix so that the low bits (the slot) and high bits (the tag) both vary.
-  std::uint64_t h = word.size() * 0x9E3779B97F4A7C15u;
-  const char* p = word.data();
-  std::size_t n = word.size();
-  for (; n >= 8; p += 8, n -= 8) {
-    std::uint64_t eight;
-    std::memcpy(&eight, p, 8);
+  // Words are short: eight bytes at a time with one multiply each (the last
+  // eight may overlap the ones before), then a final mix so that the low bits
+  // (the slot) and the high bits (the tag) both vary.
+  const auto load = [&](std::size_t at, std::size_t bytes) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, word.data() + at, bytes);
+    return value;
+  };
+  const std::size_t n = word.size();
+  std::uint64_t h = n * 0x9E3779B97F4A7C15u;
+  const auto mix = [&](std::uint64_t eight) {
     h = (h ^ eight) * 0xFF51AFD7ED558CCDu;
     h ^= h >> 32;
+  };
+  if (n >= 8) {
+    for (std::size_t at = 0; at + 8 < n; at += 8) mix(load(at, 8));
+    mix(load(n - 8, 8));
+  } else if (n >= 4) {
+    mix(load(0, 4) << 32 | load(n - 4, 4));
+  } else if (n > 0) {
+    mix(load(0, 1) << 16 | load(n / 2, 1) << 8 | load(n - 1, 1));
   }
-  std::uint64_t rest = 0;
-  for (std::size_t k = 0; k < n; ++k)
-    rest |= std::uint64_t{static_cast<unsigned char>(p[k])} << (8 * k);
-  h = (h ^ rest) * 0xFF51AFD7ED558CCDu;
   h ^= h >> 29;
   h *= 0xC4CEB9FE1A85EC53u;
   return h ^ (h >> 32);

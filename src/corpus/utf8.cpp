@@ -41,6 +41,10 @@ bool isValidUtf8(std::string_view text) {
         continue;
       }
     }
+    if (static_cast<unsigned char>(text[i]) < 0x80) {
+      ++i;
+      continue;
+    }
     const std::size_t n = utf8SequenceLength(text, i);
     if (n == 0) return false;
     i += n;

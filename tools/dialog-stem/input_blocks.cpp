@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <system_error>
 
 InputBlocks::InputBlocks(int fd, std::size_t maxLineBytes) : fd_(fd), maxLineBytes_(maxLineBytes) {}
@@ -34,15 +33,16 @@ bool InputBlocks::next(std::string& block) {
   pending_.clear();
   std::size_t start = 0;    // where the line being read starts
   std::size_t scanned = 0;  // bytes of `block` searched for line ends
-  const auto tooLongAt = [&](std::size_t length, const char* end) {
-    if (length && end[-1] == '\r') --length;  // the '\r' of a "\r\n" is no part of the line
+  // Whether the line from `start` to `end` is too long; the '\r' of a "\r\n"
+  // is no part of it.
+  const auto tooLongAt = [&](std::size_t end) {
+    std::size_t length = end - start;
+    if (length && block[end - 1] == '\r') --length;
     return length > maxLineBytes_;
   };
   while (!tooLong_) {
-    for (const char* nl; (nl = static_cast<const char*>(std::memchr(block.data() + scanned, '\n',
-                                                                    block.size() - scanned)));) {
-      const std::size_t end = static_cast<std::size_t>(nl - block.data());
-      if (tooLongAt(end - start, nl)) {
+    for (std::size_t end; (end = block.find('\n', scanned)) != std::string::npos;) {
+      if (tooLongAt(end)) {
         tooLong_ = lines_ + 1;
         break;
       }
@@ -55,7 +55,7 @@ bool InputBlocks::next(std::string& block) {
     if (tooLong_) break;
     if (end_) {
       if (start == block.size()) break;
-      if (tooLongAt(block.size() - start, block.data() + block.size())) {
+      if (tooLongAt(block.size())) {
         tooLong_ = lines_ + 1;
       } else {
         ++lines_;

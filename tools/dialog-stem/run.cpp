@@ -79,7 +79,7 @@ void stemSerially(ZQ::Dialog::Stemmer& stemmer, const Options& options, InputBlo
 class Parallel {
  public:
   Parallel(ZQ::Dialog::Stemmer& stemmer, const Options& options, unsigned jobs)
-      : stemmer_(stemmer), options_(options), jobs_(jobs), slots_(2 * jobs) {}
+      : stemmer_(stemmer), options_(options), jobs_(jobs), slots_(std::size_t{2} * jobs) {}
 
   // Reads and stems all of `input`; rethrows the first failure of any thread.
   void run(InputBlocks& input) {

@@ -6,9 +6,11 @@
 
 // Stems the inputs of `options` (its SENTENCE arguments, else the lines of
 // standard input) with `stemmer` and writes them in `options.format`, with
-// `options.jobs` threads sharing the stemmer. Returns the exit status; a failed
-// write or read, or a line over kMaxLineBytes, has printed its one-line error
-// after writing every line before it. Throws std::bad_alloc.
+// `options.jobs` threads sharing the stemmer, each with its own LineStemmer;
+// output keeps input order, and what has arrived is answered at once, so that
+// an interactive caller never waits for a full block. Returns the exit status;
+// a failed write or read, or a line over kMaxLineBytes, has printed its
+// one-line error after writing every line before it. Throws std::bad_alloc.
 int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options);
 
 // The longest line stemmed: the library's text holds at most 2^30 UTF-16 units.
