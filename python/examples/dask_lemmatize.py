@@ -104,17 +104,17 @@ def write(output, results):
         return f"{sum(1 for _ in results)} part files written as {output}"
     fs, path = fsspec.core.url_to_fs(output)
     # Written under another name first: a failed run leaves no OUT behind.
-    partial, lines = path + ".partial", 0
+    partial, size = path + ".partial", 0
     try:
         with fs.open(partial, "wb") as out:
             for result in results:
                 out.write(result)
-                lines += result.count(b"\n")
+                size += len(result)
     except BaseException:
         fs.rm(partial)
         raise
     fs.mv(partial, path)
-    return f"{lines} lines written to {output}"
+    return f"{size} bytes written to {output}"
 
 
 def main(argv):
