@@ -4,7 +4,7 @@
 #include <pybind11/stl.h>
 
 #include <cstdio>
-#include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -12,70 +12,36 @@
 #include <QString>
 
 #include "ku/log.hpp"
-#include "stdout_to_stderr.hpp"
+#include "py_stemmer.hpp"
 #include "stemmer/stemmer.hpp"
 
 namespace py = pybind11;
 
 namespace {
 
-// The UTF-8 bytes of a str. A str that UTF-8 cannot encode (a lone
-// surrogate) raises UnicodeEncodeError; anything else raises TypeError.
-std::string utf8(py::handle text) {
-  if (!PyUnicode_Check(text.ptr()))
-    throw py::type_error(std::string("expected str, got ") + Py_TYPE(text.ptr())->tp_name);
-  Py_ssize_t size = 0;
-  const char* data = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
-  if (!data) throw py::error_already_set();
-  return std::string(data, static_cast<std::size_t>(size));
-}
-
-class PyStemmer {
- public:
-  explicit PyStemmer(const py::str& code) : language_(utf8(code)) {
-    if (language_ == "jpj") {
-      // The segmenter writes its progress to C's stdout while it opens.
-      const StdoutToStderr guard;
-      stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
-    } else {
-      stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
-    }
-  }
-
-  const std::string& language() const { return language_; }
-
-  std::string stemword(const py::str& word) const {
-    std::string form = utf8(word), result;
-    stemmer_->stemword(form, result);
-    return result;
-  }
-
-  std::vector<std::string> stem_sentence(const py::str& sentence) const {
-    const std::string text = utf8(sentence);
-    std::vector<std::string> stems;
-    py::gil_scoped_release release;
-    stemmer_->stem_sentence(text, stems);
-    return stems;
-  }
-
-  std::vector<std::vector<std::string>> stem_sentences(const py::iterable& sentences) const {
-    std::vector<std::string> texts;
-    for (py::handle sentence : sentences) texts.push_back(utf8(sentence));
-    std::vector<std::vector<std::string>> results(texts.size());
-    {
-      py::gil_scoped_release release;
-      for (std::size_t i = 0; i < texts.size(); ++i) stemmer_->stem_sentence(texts[i], results[i]);
-    }
-    return results;
-  }
-
- private:
-  std::string language_;
-  // Owned here and never copied: copies of a Stemmer share one implementation.
-  std::unique_ptr<ZQ::Dialog::Stemmer> stemmer_;
+// `self` of the Stemmer methods, as the Python object: see live().
+struct StemmerSelf {
+  py::handle object;
 };
 
+}  // namespace
+
+namespace pybind11::detail {
+// Any Stemmer converts, built or not; the methods ask live() for the object.
+template <>
+struct type_caster<StemmerSelf> {
+  PYBIND11_TYPE_CASTER(StemmerSelf, const_name("Stemmer"));
+  bool load(handle source, bool) {
+    value.object = source;
+    return isinstance<PyStemmer>(source);
+  }
+};
+}  // namespace pybind11::detail
+
+namespace {
+
 std::vector<std::string> snowballStem(const py::str& algorithmName, const py::iterable& input) {
+  rejectSingleText(input, "snowball_stem");
   const std::string algorithm = utf8(algorithmName);
   std::vector<std::string> lines;
   for (py::handle line : input) lines.push_back(utf8(line));
@@ -119,6 +85,49 @@ void forwardLogToPython() {
   (void)id;
 }
 
+// Whether the C++ object behind `self` was built: Stemmer.__new__ alone
+// makes none. Asked of pybind11's instance record, since casting such an
+// object to PyStemmer would hand out unbuilt memory.
+bool isBuilt(const StemmerSelf& self) {
+  auto* const instance = reinterpret_cast<py::detail::instance*>(self.object.ptr());
+  return instance->get_value_and_holder().holder_constructed();
+}
+
+// The object behind `self`; RuntimeError when it was never built.
+const PyStemmer& live(const StemmerSelf& self) {
+  if (!isBuilt(self))
+    throw std::runtime_error("Stemmer is not initialised: build it with Stemmer(code)");
+  return self.object.cast<const PyStemmer&>();
+}
+
+// pybind11 ignores a second __init__ or __setstate__ on a live object, which
+// would leave it unchanged without a word: wraps `name` to raise instead.
+// (A function named __init__ or __setstate__ would be ignored the same way,
+// hence the qualified name.)
+template <typename Arg>
+void refuseOnLiveObject(py::class_<PyStemmer>& cls, const char* name, const char* internalName,
+                        const char* argument, const char* doc) {
+  const py::object original = cls.attr(name);
+  py::options options;
+  options.disable_function_signatures();
+  py::setattr(cls, name,
+              py::cpp_function(
+                  [original, name](const StemmerSelf& self, const Arg& arg) {
+                    if (isBuilt(self))
+                      throw std::runtime_error(std::string("Stemmer.") + name +
+                                               " on a Stemmer already built: make a new one");
+                    original(self.object, arg);
+                  },
+                  py::name(internalName), py::is_method(cls), py::arg(argument), doc));
+}
+
+// (type(self), (code,)): a new stemmer for the same code, for every pickle
+// protocol and for copy.copy/deepcopy.
+py::tuple reduce(const StemmerSelf& self) {
+  const PyStemmer& stemmer = live(self);
+  return py::make_tuple(py::type::handle_of(self.object), py::make_tuple(stemmer.language()));
+}
+
 }  // namespace
 
 PYBIND11_MODULE(dialog_stemmer, m) {
@@ -127,40 +136,80 @@ PYBIND11_MODULE(dialog_stemmer, m) {
       "from the dialog package's lemma files, Japanese ('jpj') sentences whole.";
   forwardLogToPython();
 
-  py::class_<PyStemmer>(m, "Stemmer", R"doc(
+  py::class_<PyStemmer> cls(m, "Stemmer", R"doc(
 Stemmer(code) -> the stemmer of one language: "enu", "frf" or "jpj".
 
 Never fails on a code: an unsupported one logs "Unsupported language" (logger
 "dialog_stemmer") and gives a stemmer that returns words unchanged and
-sentences whole; a missing lemma file gives words unchanged. Building a "jpj"
-stemmer sends the segmenter's progress text to standard error.
+sentences whole. A missing lemma file gives words unchanged and logs a
+WARNING naming it. Building a "jpj" stemmer sends the segmenter's progress
+text to standard error. An object from Stemmer.__new__ alone raises
+RuntimeError on every call; __init__ or __setstate__ on a built one too.
 
 Thread safety: any number of threads may share one "enu" or "frf" stemmer;
 the calls release the GIL while they work. A "jpj" stemmer serves one thread
-at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc")
-      .def(py::init<const py::str&>(), py::arg("code"))
-      .def_property_readonly("language", &PyStemmer::language, "The code given at construction.")
-      .def("stemword", &PyStemmer::stemword, py::arg("word"),
-           "The lemma of `word`, or `word` unchanged when the lemma file does not list it.\n"
-           "Text after a NUL character is ignored. Raises UnicodeEncodeError on a str\n"
-           "that is not valid Unicode (lone surrogates).")
-      .def("stem_sentence", &PyStemmer::stem_sentence, py::arg("sentence"),
-           "The normal forms of `sentence`: for 'enu' and 'frf' one element per piece\n"
-           "between spaces and apostrophes (empty pieces included); for 'jpj' and\n"
-           "unsupported codes the sentence whole ([] for ''). Raises as stemword().")
-      .def("stem_sentences", &PyStemmer::stem_sentences, py::arg("sentences"),
-           "[stem_sentence(s) for s in sentences], converted first and then stemmed\n"
-           "without the GIL, so that other threads run meanwhile. Raises as\n"
-           "stemword() before any sentence is stemmed.")
-      .def(py::pickle([](const PyStemmer& s) { return py::make_tuple(s.language()); },
+at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc");
+  cls.def(py::init<const py::str&>(), py::arg("code"))
+      .def_property_readonly(
+          "language", [](const StemmerSelf& self) { return live(self).language(); },
+          "The code given at construction.")
+      .def(
+          "stemword",
+          [](const StemmerSelf& self, const py::str& word) { return live(self).stemword(word); },
+          py::arg("word"),
+          "The lemma of `word`, or `word` unchanged when the lemma file does not list it.\n"
+          "Text after a NUL character is ignored. Raises UnicodeEncodeError on a str\n"
+          "that is not valid Unicode (lone surrogates).")
+      .def(
+          "stem_sentence",
+          [](const StemmerSelf& self, const py::str& sentence) {
+            return live(self).stemSentence(sentence);
+          },
+          py::arg("sentence"),
+          "The normal forms of `sentence`: for 'enu' and 'frf' one element per piece\n"
+          "between spaces and apostrophes (empty pieces included); for 'jpj' and\n"
+          "unsupported codes the sentence whole ([] for ''). Raises as stemword().")
+      .def(
+          "stem_sentences",
+          [](const StemmerSelf& self, const py::object& sentences) {
+            return live(self).stemSentences(sentences);
+          },
+          py::arg("sentences"),
+          "[stem_sentence(s) for s in sentences] for any iterable of str, stemmed\n"
+          "without the GIL. Raises TypeError for a str, bytes or bytearray given whole,\n"
+          "and as stemword() for an element, before any sentence is stemmed.")
+      .def(
+          "stem_text",
+          [](const StemmerSelf& self, const py::object& data, const std::string& format,
+             bool words) { return live(self).stemText(data, format, words); },
+          py::arg("data"), py::arg("format") = "jsonl", py::arg("words") = false,
+          "The bytes that `dialog-stem --format FORMAT` (with `words`: --words) writes\n"
+          "for the lines of `data`, a bytes-like object: a line ends at b'\\n' or at the\n"
+          "end, one b'\\r' before that is dropped, and bytes that are not UTF-8 give the\n"
+          "tool's result (jsonl writes each as U+FFFD). Runs without the GIL. Raises\n"
+          "TypeError for a str, ValueError for a format other than 'lines', 'tsv', 'jsonl'.")
+      .def(py::pickle([](const StemmerSelf& self) { return py::make_tuple(live(self).language()); },
                       [](const py::tuple& state) {
                         if (state.size() != 1) throw py::value_error("bad Stemmer pickle");
                         return PyStemmer(state[0].cast<py::str>());
                       }))
-      .def("__repr__", [](const PyStemmer& s) {
-        return "dialog_stemmer.Stemmer(" + py::repr(py::str(s.language())).cast<std::string>() +
-               ")";
+      .def("__reduce__", &reduce)
+      .def(
+          "__reduce_ex__", [](const StemmerSelf& self, int) { return reduce(self); },
+          py::arg("protocol"))
+      .def("__repr__", [](const StemmerSelf& self) {
+        if (!isBuilt(self)) return std::string("<dialog_stemmer.Stemmer, not initialised>");
+        return "dialog_stemmer.Stemmer(" +
+               py::repr(py::str(live(self).language())).cast<std::string>() + ")";
       });
+  refuseOnLiveObject<py::str>(
+      cls, "__init__", "Stemmer.__init__", "code",
+      "__init__(self, code: str) -> None\n\n"
+      "Builds the stemmer of `code`; RuntimeError on a Stemmer already built.");
+  refuseOnLiveObject<py::tuple>(cls, "__setstate__", "Stemmer.__setstate__", "state",
+                                "__setstate__(self, state: tuple) -> None\n\n"
+                                "Builds the stemmer of the code in `state` (a pickle's state);\n"
+                                "RuntimeError on a Stemmer already built.");
 
   m.def("snowball_stem", &snowballStem, py::arg("algorithm"), py::arg("lines"),
         "The Snowball stem of each line, one per line: each line is lowered byte by\n"

@@ -1,73 +1,166 @@
 #!/usr/bin/python3
 """Lemmatise a large text file with Dask: one sentence a line in, one JSON
-array of normal forms a line out, in input order.
+array of normal forms a line out, in input order, byte for byte what
+`dialog-stem --format jsonl` writes for the same lines (bytes that are not
+UTF-8 included).
 
-    python3 python/examples/dask_lemmatize.py [--lang enu] [--workers 2] IN OUT
+    python3 python/examples/dask_lemmatize.py [--lang enu] [--workers 2] [--processes]
+        [--blocksize 8MiB] [--dashboard ADDRESS] [--scheduler ADDRESS] IN OUT
 
-Each partition builds its own Stemmer (a Stemmer pickles by its language
-code only, so nothing large travels to the workers). With --workers 0 the
-bag runs in this process (Dask's synchronous scheduler).
+Each task reads its own block of IN (a byte range cut at line ends, by
+dask.bytes.read_bytes), stems it with Stemmer.stem_text and returns one bytes
+object. The client writes those to OUT in input order, holding a few blocks'
+results at a time, never the corpus. With a '*' in OUT (e.g. out/part-*.jsonl)
+the workers write one part file per block instead, numbered in input order
+(zero-padded, so that sorted names concatenate to the whole result).
+
+--workers 0 runs the blocks in this process (Dask's synchronous scheduler).
+--workers N starts a local cluster of N single-threaded workers: threads of
+this process (stem_text releases the GIL, and results need no copying between
+processes), or with --processes worker processes that listen on 127.0.0.1
+only. --dashboard ADDRESS (e.g. 127.0.0.1:8787) serves the scheduler's
+dashboard there; without it none is served, on no interface.
+
+On a cluster of several machines, start `dask scheduler` on one and
+`dask worker tcp://SCHEDULER:8786` on each, with dialog_stemmer and its data
+installed everywhere, then pass --scheduler tcp://SCHEDULER:8786. IN must be
+readable at the same path by every worker: a shared file system, or an object
+store URL such as s3://bucket/corpus.txt (with s3fs installed). OUT is written
+by this client, or with a '*' by the workers, on a path they all share.
 """
 
 import argparse
-import json
-import os
+import collections
+import contextlib
 import sys
+import threading
+
+_LOCAL_STEMMERS = {}  # this process's Stemmers when it runs the blocks itself
 
 
 def parse_args(argv):
     p = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    p.add_argument("input", help="text file, one sentence a line (UTF-8)")
-    p.add_argument("output", help="JSON lines file to write")
+    p.add_argument("input", help="text file or URL, one sentence a line, any bytes")
+    p.add_argument("output", help="JSON lines file or URL to write; with '*': one part file per block")
     p.add_argument("--lang", default="enu", choices=["enu", "frf", "jpj"])
-    p.add_argument("--workers", type=int, default=2, help="worker processes (0: none)")
-    p.add_argument("--blocksize", default="16MiB", help="bytes of input per partition")
-    return p.parse_args(argv)
+    p.add_argument("--workers", type=int, default=2, help="local workers (0: none)")
+    p.add_argument("--processes", action="store_true",
+                   help="local workers in processes of their own (default: threads of this one)")
+    p.add_argument("--blocksize", default="8MiB",
+                   help="bytes of input per task (small blocks leave little idle time at the end)")
+    p.add_argument("--dashboard", metavar="ADDRESS", help="serve the dashboard there (default: none)")
+    p.add_argument("--scheduler", metavar="ADDRESS", help="use this running scheduler, not a local one")
+    args = p.parse_args(argv)
+    if args.workers < 0:
+        p.error("--workers must be 0 or more")
+    return args
 
 
-def stem_partition(lines, lang):
+def stemmer_for(lang):
+    """One Stemmer per process and code (building one reads its lemma file),
+    kept on the Dask worker; "jpj" serves one thread, so one per thread."""
     import dialog_stemmer
 
-    stemmer = dialog_stemmer.Stemmer(lang)
-    return [json.dumps(stems, ensure_ascii=False)
-            for stems in stemmer.stem_sentences(line.rstrip("\n") for line in lines)]
+    try:
+        from distributed import get_worker
+
+        holder = get_worker().__dict__.setdefault("dialog_stemmers", {})
+    except (ImportError, ValueError):  # not on a worker: this process runs the blocks
+        holder = _LOCAL_STEMMERS
+    key = (lang, threading.get_ident() if lang == "jpj" else None)
+    if key not in holder:
+        holder[key] = dialog_stemmer.Stemmer(lang)
+    return holder[key]
+
+
+def stem_block(block, lang):
+    return stemmer_for(lang).stem_text(block, "jsonl")
+
+
+def write_part(block, lang, path):
+    import fsspec
+
+    with fsspec.open(path, "wb") as out:
+        out.write(stem_block(block, lang))
+    return path
+
+
+def in_order(tasks, submit, window):
+    """The results of `tasks` in order, with at most `window` submitted ahead."""
+    pending = collections.deque(submit(task) for task in tasks[:window])
+    for task in tasks[window:]:
+        yield pending.popleft().result()
+        pending.append(submit(task))
+    while pending:
+        yield pending.popleft().result()
+
+
+def write(output, results):
+    """Writes the stemmed blocks to `output` (or, for part files, waits for
+    them); returns what was done, for the last line on standard error."""
+    import fsspec
+
+    if "*" in output:
+        return f"{sum(1 for _ in results)} part files written as {output}"
+    fs, path = fsspec.core.url_to_fs(output)
+    # Written under another name first: a failed run leaves no OUT behind.
+    partial, size = path + ".partial", 0
+    try:
+        with fs.open(partial, "wb") as out:
+            for result in results:
+                out.write(result)
+                size += len(result)
+    except BaseException:
+        fs.rm(partial)
+        raise
+    fs.mv(partial, path)
+    return f"{size} bytes written to {output}"
 
 
 def main(argv):
     args = parse_args(argv)
-    if not os.path.isfile(args.input):
-        sys.exit(f"dask_lemmatize.py: no such file: {args.input}")
     try:
-        import dask.bag as db
+        import dask
+        from dask.bytes import read_bytes
+        from fsspec.core import url_to_fs
     except ImportError:
         sys.exit("dask_lemmatize.py: Dask is missing (apt-get install python3-dask python3-distributed)")
-    import dask
+    fs, path = url_to_fs(args.input)
+    if not fs.isfile(path):
+        sys.exit(f"dask_lemmatize.py: no such file: {args.input}")
+    _, blocks = read_bytes(args.input, delimiter=b"\n", blocksize=args.blocksize, sample=False)
+    blocks = blocks[0] if blocks else []
+    if "*" in args.output:
+        width = len(str(max(0, len(blocks) - 1)))
+        tasks = [dask.delayed(write_part)(b, args.lang, args.output.replace("*", f"{i:0{width}d}"))
+                 for i, b in enumerate(blocks)]
+    else:
+        tasks = [dask.delayed(stem_block)(b, args.lang) for b in blocks]
 
-    bag = db.read_text(args.input, blocksize=args.blocksize, encoding="utf-8")
-    parts = bag.map_partitions(stem_partition, args.lang).to_delayed()
-    if args.workers > 0:
+    if args.workers == 0 and not args.scheduler:
+        message = write(args.output, (task.compute(scheduler="synchronous") for task in tasks))
+    else:
         from distributed import Client, LocalCluster
 
-        cluster = LocalCluster(n_workers=args.workers, threads_per_worker=1,
-                               dashboard_address=None)
-        client = Client(cluster)
-        scheduler = None
-    else:
-        scheduler = "synchronous"
-    # A few partitions at a time, written in order: memory stays bounded.
-    step = max(1, 2 * args.workers)
-    written = 0
-    with open(args.output, "w", encoding="utf-8") as out:
-        for first in range(0, len(parts), step):
-            for lines in dask.compute(*parts[first:first + step], scheduler=scheduler):
-                out.writelines(line + "\n" for line in lines)
-                written += len(lines)
-    if args.workers > 0:
-        client.close()
-        cluster.close()
-    print(f"dask_lemmatize.py: {written} lines written to {args.output}", file=sys.stderr)
+        cluster = None
+        if not args.scheduler:
+            # Every listener on the loopback interface: Debian's distributed
+            # serves HTTP on all interfaces when given no address. Threads of
+            # this process talk in memory (inproc), processes over TCP.
+            where = {"host": "127.0.0.1"} if args.processes else {}
+            cluster = LocalCluster(n_workers=args.workers, threads_per_worker=1, processes=args.processes,
+                                   worker_dashboard_address="127.0.0.1:0",
+                                   dashboard_address=args.dashboard or "127.0.0.1:0",
+                                   scheduler_kwargs={"dashboard": bool(args.dashboard)}, **where)
+        with cluster or contextlib.nullcontext(), Client(args.scheduler or cluster) as client:
+            window = 2 * max(1, sum(client.nthreads().values()))
+            message = write(args.output, in_order(tasks, client.compute, window))
+    print(f"dask_lemmatize.py: {message}", file=sys.stderr)
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    try:
+        sys.exit(main(sys.argv[1:]))
+    except Exception as error:  # one line for a person, as the tool does
+        sys.exit(f"dask_lemmatize.py: {type(error).__name__}: {error}")

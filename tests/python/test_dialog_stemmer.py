@@ -1,15 +1,18 @@
 """The Python module against the C++ library (through dialog-stem), on a lemma
 file of the test's own. Run by CTest with PYTHONPATH at the built module."""
 
+import copy
 import logging
 import os
 import pickle
 import subprocess
-import threading
+import sys
+from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 
 import dialog_stemmer
+from dialog_stemmer import Stemmer
 
 LEMMAS = {
     "enu": "dogs\ndog\nwent\ngo\ndon\ndo\nt\nnot\nchildren\nchild\n",
@@ -19,6 +22,9 @@ SENTENCES = [
     "I don't like dogs", "the children went", "", " ", "''", "  a  b  ",
     "caf\u00e9 dogs", "\U0001F600 dogs", "tab\tdogs", "don\u2019t",
 ]
+# Lines as a corpus holds them: bad UTF-8, NUL, CR before the line end, no final newline.
+RAW = "\n".join(SENTENCES).encode() + b"\nbad \xff\xfe dogs\r\nnul\0went\n\\ \"q\"\nlast"
+EXAMPLE = os.path.join(os.path.dirname(__file__), "..", "..", "python", "examples", "dask_lemmatize.py")
 
 
 @pytest.fixture(autouse=True)
@@ -32,102 +38,112 @@ def data(tmp_path, monkeypatch):
     return tmp_path
 
 
-def tool(*args, text=""):
+def tool(*args, text=b""):
     """dialog-stem's standard output for `text` on standard input."""
     exe = os.environ.get("DIALOG_STEM")
     if not exe:
         pytest.skip("DIALOG_STEM not set: the tool was not built")
-    run = subprocess.run([exe, *args], input=text.encode(), capture_output=True, check=True)
-    return run.stdout.decode()
+    return subprocess.run([exe, *args], input=text, capture_output=True, check=True).stdout
 
 
 def test_results_equal_the_cpp_calls():
-    english = dialog_stemmer.Stemmer("enu")
+    english = Stemmer("enu")
     words = ["dogs", "went", "Dogs", "", "t", "caf\u00e9"]
     assert [english.stemword(w) for w in words] == \
-        tool("--words", text="\n".join(words) + "\n").split("\n")[:-1]
+        tool("--words", text="\n".join(words).encode() + b"\n").decode().split("\n")[:-1]
     # One sentence a run: its elements one a line, then an empty line.
-    for sentence, stems in zip(SENTENCES, english.stem_sentences(SENTENCES)):
-        assert stems == tool(sentence)[:-1].split("\n")[:-1], sentence
+    for sentence, stems in zip(SENTENCES, english.stem_sentences(iter(SENTENCES))):
+        assert stems == english.stem_sentence(sentence) == tool(sentence).decode()[:-1].split("\n")[:-1]
     assert english.stem_sentence("I don't like dogs") == ["I", "do", "not", "like", "dog"]
-    assert dialog_stemmer.Stemmer("frf").stem_sentence("l'yeux chevaux") == ["le", "\u0153il", "cheval"]
+    assert Stemmer("frf").stem_sentence("l'yeux chevaux") == ["le", "\u0153il", "cheval"]
+    for options in (["--format", "jsonl"], ["--format", "tsv"], ["--format", "lines", "--words"]):
+        assert english.stem_text(RAW, options[1], "--words" in options) == tool(*options, text=RAW)
+    assert english.stem_text(bytearray(b"dogs")) == english.stem_text(memoryview(b"dogs\n")) == b'["dog"]\n'
 
 
-def test_unicode_and_bad_input():
-    english = dialog_stemmer.Stemmer("enu")
-    assert english.stemword("caf\u00e9") == "caf\u00e9"
-    assert english.stemword("dogs\0went") == "dog"  # the text ends at NUL
-    assert english.stem_sentence("") == [""]
-    for bad in ("\ud800", "dogs\udfff"):  # lone surrogates cannot be UTF-8
-        with pytest.raises(UnicodeEncodeError):
-            english.stemword(bad)
-        with pytest.raises(UnicodeEncodeError):
-            english.stem_sentences(["dogs", bad])
-    with pytest.raises(TypeError):
-        english.stemword(b"dogs")
-    with pytest.raises(TypeError):
-        dialog_stemmer.Stemmer(None)
+BAD_CALLS = [  # each raises and leaves the stemmer as it was
+    (lambda s: s.stemword(b"dogs"), TypeError),
+    (lambda s: s.stemword("\ud800"), UnicodeEncodeError),  # a lone surrogate is not UTF-8
+    (lambda s: s.stem_sentences(["dogs", "dogs\udfff"]), UnicodeEncodeError),
+    (lambda s: s.stem_sentences(["dogs", 1]), TypeError),
+    (lambda s: s.stem_sentences("went"), TypeError),  # would stem each character
+    (lambda s: s.stem_sentences(b"went"), TypeError),
+    (lambda s: s.stem_sentences(bytearray(b"went")), TypeError),
+    (lambda s: dialog_stemmer.snowball_stem("english", "went"), TypeError),
+    (lambda s: s.stem_text("went"), TypeError),
+    (lambda s: s.stem_text(b"went", "xml"), ValueError),
+    (lambda s: s.__init__("frf"), RuntimeError),  # pybind11 alone ignores it
+    (lambda s: s.__setstate__(("frf",)), RuntimeError),
+    (lambda s: Stemmer(None), TypeError),
+    (lambda s: dialog_stemmer.snowball_stem("klingon", ["x"]), ValueError),
+]
 
 
-def test_unsupported_code_logs_and_returns_input(caplog):
+@pytest.mark.parametrize("call, error", BAD_CALLS)
+def test_bad_calls_raise(call, error):
+    english = Stemmer("enu")
+    with pytest.raises(error):
+        call(english)
+    assert (english.language, english.stemword("dogs")) == ("enu", "dog")
+
+
+def test_unbuilt_stemmer_raises_until_built():
+    unbuilt = Stemmer.__new__(Stemmer)  # crashed the interpreter on any call
+    for call in (lambda: unbuilt.language, lambda: unbuilt.stemword("x"), lambda: pickle.dumps(unbuilt),
+                 lambda: unbuilt.stem_sentence("x"), lambda: unbuilt.stem_sentences([]),
+                 lambda: unbuilt.stem_text(b"x"), unbuilt.__getstate__, unbuilt.__reduce__):
+        with pytest.raises(RuntimeError, match="Stemmer is not initialised"):
+            call()
+    assert "not initialised" in repr(unbuilt)
+    unbuilt.__setstate__(("frf",))  # as unpickling does
+    assert unbuilt.stemword("chevaux") == "cheval"
+
+
+def test_logging_of_missing_data_and_unsupported_codes(data, caplog):
+    (data / "share" / "dialog" / "lemmatizer" / "enu" / "lemma").unlink()
     with caplog.at_level(logging.DEBUG, logger="dialog_stemmer"):
-        other = dialog_stemmer.Stemmer("xx")
+        english, other = Stemmer("enu"), Stemmer("xx")
+        assert english.stemword("went") == "went" and Stemmer("frf").stemword("chevaux") == "cheval"
+    warnings = [r.getMessage() for r in caplog.records if r.levelno == logging.WARNING]
+    assert len(warnings) == 1 and str(data / "share/dialog/lemmatizer/enu/lemma") in warnings[0]
     assert any("Unsupported language" in r.getMessage() for r in caplog.records)
-    assert other.stemword("dogs") == "dogs"
-    assert other.stem_sentence(" a b ") == [" a b "]
-    assert other.stem_sentence("") == []
+    assert (other.stemword("dogs"), other.stem_sentence(" a b "), other.stem_sentence("")) == \
+        ("dogs", [" a b "], [])
 
 
 def test_japanese_trail_goes_to_stderr(capfd):
-    japanese = dialog_stemmer.Stemmer("jpj")
+    japanese = Stemmer("jpj")
     out, err = capfd.readouterr()
-    assert out == ""
-    assert "load_dictionary_resource" in err
+    assert out == "" and "load_dictionary_resource" in err
     assert japanese.stem_sentence("\u732b\u304c\u8d70\u3063\u305f") == ["\u732b\u304c\u8d70\u3063\u305f"]
 
 
 def test_pickling_builds_a_new_stemmer():
-    french = dialog_stemmer.Stemmer("frf")
-    copy = pickle.loads(pickle.dumps(french))
-    assert copy is not french
-    assert copy.language == "frf"
-    assert copy.stemword("chevaux") == "cheval"
+    french = Stemmer("frf")  # protocols 0 and 1 aborted the interpreter
+    copies = [pickle.loads(pickle.dumps(french, p)) for p in range(pickle.HIGHEST_PROTOCOL + 1)]
+    for other in copies + [copy.copy(french), copy.deepcopy(french)]:
+        assert other is not french and other.language == "frf" and other.stemword("chevaux") == "cheval"
+    assert french.__reduce__() == french.__reduce_ex__(0) == (Stemmer, ("frf",))
 
 
 def test_threads_share_one_stemmer():
-    english = dialog_stemmer.Stemmer("enu")
-    batch = SENTENCES * 200
-    expected = english.stem_sentences(batch)
-    results = [None] * 4
+    english, batch = Stemmer("enu"), SENTENCES * 300
 
-    def work(i):
-        results[i] = english.stem_sentences(batch)
+    def work(i):  # the calls release the GIL: they overlap
+        return english.stem_sentences(batch) if i % 2 else english.stem_text(RAW * 100)
 
-    threads = [threading.Thread(target=work, args=(i,)) for i in range(4)]
-    for t in threads:
-        t.start()
-    for t in threads:
-        t.join()
-    assert results == [expected] * 4
-
-
-def test_snowball_stem():
+    with ThreadPoolExecutor(4) as pool:
+        results = list(pool.map(work, range(4)))
+    assert results == [english.stem_text(RAW * 100), english.stem_sentences(batch)] * 2
     assert dialog_stemmer.snowball_stem("english", ["Running", "JUMPS", ""]) == ["run", "jump", ""]
-    with pytest.raises(ValueError, match="unknown Snowball algorithm"):
-        dialog_stemmer.snowball_stem("klingon", ["x"])
 
 
-def test_dask_two_workers_equal_one_process():
-    bag = pytest.importorskip("dask.bag", reason="python3-dask is not installed")
-    distributed = pytest.importorskip("distributed", reason="python3-distributed is not installed")
-    sentences = [f"{i} dogs don't went children" for i in range(3000)]
-    expected = dialog_stemmer.Stemmer("enu").stem_sentences(sentences)
-
-    def stem(partition):
-        return dialog_stemmer.Stemmer("enu").stem_sentences(partition)
-
-    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True,
-                                  dashboard_address=None) as cluster, \
-            distributed.Client(cluster):
-        got = bag.from_sequence(sentences, npartitions=8).map_partitions(stem).compute()
-    assert got == expected
+@pytest.mark.parametrize("workers", [0, 2])
+def test_dask_example_equals_the_tool(tmp_path, workers):
+    for module in ("dask", "distributed"):
+        pytest.importorskip(module, reason=f"python3-{module} is not installed")
+    corpus = b"".join(b"%d dogs don't went\n" % i for i in range(3000)) + RAW  # blocks of 8 KiB
+    (tmp_path / "in.txt").write_bytes(corpus)
+    subprocess.run([sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB",
+                    str(tmp_path / "in.txt"), str(tmp_path / "out.jsonl")], check=True)
+    assert (tmp_path / "out.jsonl").read_bytes() == tool("--format", "jsonl", text=corpus)

@@ -1,0 +1,69 @@
+#ifndef DIALOG_PYTHON_PY_STEMMER_HPP
+#define DIALOG_PYTHON_PY_STEMMER_HPP
+
+#include <pybind11/pybind11.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "stemmer/stemmer.hpp"
+
+struct Workspace;
+
+// The object behind dialog_stemmer.Stemmer: one ZQ::Dialog::Stemmer of one
+// language code, and the conversions between Python objects and its calls.
+// Thread-safe as the library is for its code ("enu", "frf": any number of
+// threads; "jpj": one at a time). Every method is entered with the GIL held
+// and releases it while it stems.
+class PyStemmer {
+ public:
+  // Builds the stemmer of `code`. For "enu" and "frf" without a usable lemma
+  // file, logs one WARNING (logger "dialog_stemmer") that names the file or
+  // the places it was looked for. Never throws for an unknown code.
+  explicit PyStemmer(const pybind11::str& code);
+
+  const std::string& language() const { return language_; }
+
+  // The lemma of `word`, or `word` unchanged. TypeError for a non-str,
+  // UnicodeEncodeError for a lone surrogate.
+  std::string stemword(const pybind11::str& word) const;
+
+  // The list of stem_sentence's elements for `sentence`; raises as stemword.
+  pybind11::list stemSentence(const pybind11::str& sentence) const;
+
+  // [stemSentence(s) for s in sentences] for any iterable of str. TypeError
+  // for a str, bytes or bytearray given whole, and for a non-str element,
+  // before anything is stemmed.
+  pybind11::list stemSentences(const pybind11::handle& sentences) const;
+
+  // The bytes that dialog-stem --format `format` (--words with `words`)
+  // writes for the lines of `data`, any bytes included. TypeError when `data`
+  // is not a contiguous bytes-like object, ValueError for an unknown format.
+  pybind11::bytes stemText(const pybind11::handle& data, const std::string& format,
+                           bool words) const;
+
+  PyStemmer(PyStemmer&&) noexcept;
+  ~PyStemmer();  // with the GIL held, as pybind11 destroys its objects
+
+ private:
+  class Lease;
+
+  std::string language_;
+  // Owned here and never copied: copies of a Stemmer share one implementation.
+  std::unique_ptr<ZQ::Dialog::Stemmer> stemmer_;
+  // Workspaces that calls left behind, whose caches the next calls reuse;
+  // guarded by the GIL. Mutable: caches change no result.
+  mutable std::vector<std::unique_ptr<Workspace>> idle_;
+};
+
+// The UTF-8 bytes of a str. UnicodeEncodeError for a lone surrogate,
+// TypeError for anything but a str.
+std::string utf8(pybind11::handle text);
+
+// TypeError when `items`, given where a sequence of texts is expected, is
+// itself one text (str, bytes, bytearray, memoryview), whose iteration would
+// yield characters or numbers.
+void rejectSingleText(pybind11::handle items, const char* function);
+
+#endif  // DIALOG_PYTHON_PY_STEMMER_HPP
