@@ -6,7 +6,6 @@
 #include <QLatin1String>
 #include <QRegExp>
 
-#include "corpus/utf8.hpp"
 #include "stemmer/stemmer_p.hpp"
 
 namespace dialog_corpus {
@@ -22,11 +21,11 @@ std::string_view beforeNul(std::string_view text) {
 }
 
 // True when decoding each piece between spaces and apostrophes by itself gives
-// the decoded text's pieces: the text is valid UTF-8, and no U+FEFF opens a
-// piece but at the very start (Qt drops a byte-order mark there only, so
-// stemword would drop it from a later piece that the whole text keeps).
+// the decoded text's pieces. Qt's decoder replaces a bad sequence the same way
+// whether a separator or the end of the text cuts it, so invalid bytes decode
+// alike; but it drops a U+FEFF at the very start only, so stemword would drop
+// one that opens a later piece, where the whole text keeps it.
 bool piecesDecodeAlike(std::string_view text) {
-  if (!isValidUtf8(text)) return false;
   constexpr std::string_view kBom = "\xEF\xBB\xBF";
   for (std::size_t i = text.find(kBom, 1); i != std::string_view::npos; i = text.find(kBom, i + 1))
     if (isSeparator(text[i - 1])) return false;

@@ -16,8 +16,8 @@ namespace dialog_corpus {
 // Stems corpus lines for dialog-stem and the Python module: the elements are
 // those of Stemmer::stem_sentence and Stemmer::stemword, byte for byte.
 //
-// English and French lines that are valid UTF-8 (up to a NUL, where the
-// library stops reading) are cut at the bytes space and apostrophe, and each
+// English and French lines (up to a NUL, where the library stops reading;
+// invalid UTF-8 included) are cut at the bytes space and apostrophe, and each
 // piece is stemmed through a bounded cache of stemword results: corpus text
 // repeats its words, so most pieces skip the library. Lines where a U+FEFF
 // starts a later piece, other languages and a caller's own ZQ::Dialog::rx take
