@@ -143,6 +143,7 @@ TEST_F(DialogStem, StreamsClosedFullOrEndless) {
       {"went", "", ">&-", "", 1, "", "dialog-stem: standard output is closed\n"},
       {"", "", "<&-", "", 1, "", closedIn},
       {"--stream english", "", "<&-", "", 1, "", closedIn},
+      {"", "", "<.", "", 1, "", "dialog-stem: cannot read standard input: Is a directory\n"},
       {"went", "", "<&-", "", 0, "go\n\n", ""},  // input closed but not read
       {"--check", "", "<&-", "", 0, "*", ""},
       // --version and --help (below) never read their input, even one that never ends.
@@ -164,11 +165,24 @@ TEST_F(DialogStem, JobsGiveTheSameBytes) {
   std::string input;
   for (int i = 0; i < 100000; ++i)  // 2.6 MB: several input blocks
     input += std::to_string(i) + (i % 3 ? " children went don't\n" : " l'\xFF\n");
+  std::string expected;
+  for (int i = 0; i < 100000; ++i)
+    expected += "[\"" + std::to_string(i) +
+                (i % 3 ? "\",\"child\",\"go\",\"do\",\"not\"]\n" : "\",\"l\",\"\xEF\xBF\xBD\"]\n");
   const std::string one = run({"--format", "jsonl"}, input).out;
-  EXPECT_EQ(std::count(one.begin(), one.end(), '\n'), 100000);
+  EXPECT_EQ(one, expected);  // lines cut by a block's end are whole
   for (const char* jobs : {"2", "3", "0"})
     EXPECT_EQ(run({"--format", "jsonl", "--jobs", jobs}, input).out, one) << jobs;
   EXPECT_EQ(run({"--words", "--jobs", "2"}, input).out, run({"--words"}, input).out);
+}
+
+TEST_F(DialogStem, AnswersEachLineBeforeMoreInputComes) {
+  // A coprocess writes one line and waits for its answer; the read's timeout
+  // only ends a tool that would wait for more input.
+  const std::string command = "cd " + scratch_.path() + " && mkfifo q r && (timeout 60 " +
+                              quote(DIALOG_STEM_PATH) + " <q >r &) && exec 5>q 6<r && " +
+                              "echo went >&5 && read -t 30 reply <&6 && [ \"$reply\" = go ]";
+  EXPECT_EQ(std::system(("bash -c " + quote(command)).c_str()), 0);
 }
 
 TEST_F(DialogStem, CheckTellsWhereDataIs) {
