@@ -1,5 +1,6 @@
-// The input is an English lemma file, read through the library's loader and
-// compared entry by entry with the plain readLine loop's map.
+// The input is an English lemma file, read through the library's loader,
+// streamed and in up to 3 parts side by side, and compared entry by entry
+// with the plain readLine loop's map.
 #include "invariant.hpp"
 #include "ku/log.hpp"
 #include "stemmer/stemmer_p.hpp"
@@ -14,10 +15,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ku::log::addCategory("LibStemmer")->level = 0;  // no "Unsupported language" noise
     return new ZQ::Dialog::StemmerPrivate("xx");    // "xx" creates no Snowball handle
   }();
-  const std::map<QString, QString> map = impl->getLemDic("enu");
   const std::map<QString, QString> plain = dialog_test::plainLemmaLoad(path);
-  dialog_test::check(map == plain, "map differs from the plain readLine loop's");
-  for (auto l = map.cbegin(), p = plain.cbegin(); l != map.end(); ++l, ++p)
-    dialog_test::check(l->second.isNull() == p->second.isNull(), "null lemma differs");
+  for (const unsigned threads : {1, 3}) {
+    ZQ::Dialog::setLemmaLoadThreads(threads, 1);
+    const std::map<QString, QString> map = impl->getLemDic("enu");
+    dialog_test::check(map == plain, "map differs from the plain readLine loop's");
+    for (auto l = map.cbegin(), p = plain.cbegin(); l != map.end(); ++l, ++p)
+      dialog_test::check(l->second.isNull() == p->second.isNull(), "null lemma differs");
+  }
   return 0;
 }

@@ -76,7 +76,8 @@ QString q(const char* utf8) { return QString::fromUtf8(utf8); }
 
 // The map of the plain readLine loop: pairs of lines, the last pair for a form
 // winning, an odd last line or a blank line making an empty lemma; CRs, marks,
-// NULs, bad or cut sequences and the 16 KiB decoding steps as QTextStream has them.
+// NULs, bad or cut sequences and the 16 KiB decoding steps as QTextStream has
+// them. Streamed, and read in up to 2 or 5 parts side by side.
 TEST(LemmaDictionary, SameMapAsPlainReadLineLoop) {
   const std::string step(16384, 'a');
   std::vector<std::string> files;
@@ -91,18 +92,25 @@ TEST(LemmaDictionary, SameMapAsPlainReadLineLoop) {
                {std::string("\xFF\xFEw\0\n\0g\0\n\0", 10), std::string("we\0nt\ng\0o\n\0\n", 12),
                 std::string(300000, 'x') + "\ny\n", step.substr(1) + "\n\r",
                 step.substr(3) + "\n1\n\xC3", step.substr(1) + "\nb\n",
-                step.substr(1) + "\xC3\xA9\n\xC3\xA9\n", step.substr(2) + "\n\r\nx\n"});
+                step.substr(1) + "\xC3\xA9\n\xC3\xA9\n", step.substr(2) + "\n\r\nx\n",
+                step.substr(3) + "\nb\n\r",  // a last part that decodes to nothing
+                "a\nb\n\xEF\xBB\xBF\n\xEF\xBB\xBF"
+                "c\nd\n"});  // marks past the start
   for (const std::string& contents : files) {
     dialog_test::DataRoot data;
     const Dictionary plain =
         dialog_test::plainLemmaLoad(data.write("lemmatizer/enu/lemma", contents));
-    const Dictionary library = load();
-    EXPECT_EQ(library, plain) << contents.substr(0, 40);
-    // Null and empty strings compare equal; the loaders must agree on which.
-    auto l = library.begin();
-    for (auto p = plain.begin(); l != library.end() && p != plain.end(); ++l, ++p)
-      EXPECT_EQ(l->second.isNull(), p->second.isNull()) << contents.substr(0, 40);
+    for (const unsigned threads : {1, 2, 5}) {
+      ZQ::Dialog::setLemmaLoadThreads(threads, 1);
+      const Dictionary library = load();
+      EXPECT_EQ(library, plain) << threads << " " << contents.substr(0, 40);
+      // Null and empty strings compare equal; the loaders must agree on which.
+      auto l = library.begin();
+      for (auto p = plain.begin(); l != library.end() && p != plain.end(); ++l, ++p)
+        EXPECT_EQ(l->second.isNull(), p->second.isNull()) << contents.substr(0, 40);
+    }
   }
+  ZQ::Dialog::setLemmaLoadThreads(1);
   EXPECT_EQ(dialog_test::plainLemmaLoad(dialog_test::DataRoot().write("x", "a\n\nb\nc\nb")),
             (Dictionary{{q("a"), q("")}, {q("b"), q("")}}));  // the loop itself
 }
@@ -322,6 +330,20 @@ TEST_F(Concurrency, SharedStemmersGiveSingleThreadResults) {
   for (auto& thread : pool) thread.join();
   EXPECT_EQ(mismatches, 0);
   spaced.impl->stemmer = handle;
+}
+
+// A lemma file read in parts by several threads gives the streamed map, later
+// parts replacing earlier lemmas. Run under ThreadSanitizer.
+TEST_F(Concurrency, LemmaFileInPartsGivesTheStreamedMap) {
+  std::string file;
+  for (int i = 0; i < 20000; ++i)
+    file += "w" + std::to_string(i % 15000) + "\nl" + std::to_string(i) + "\n";
+  data_.write("lemmatizer/frf/lemma", file);
+  ZQ::Dialog::setLemmaLoadThreads(4, 1024);
+  const Dictionary parted = load("frf");
+  ZQ::Dialog::setLemmaLoadThreads(1);
+  EXPECT_EQ(parted, load("frf"));
+  EXPECT_EQ(parted.at(q("w0")), q("l15000"));
 }
 
 }  // namespace
