@@ -58,11 +58,20 @@ bool LineStemmer::splitsPieces() {
 
 LineStemmer::Stem LineStemmer::stem(std::string_view word) {
   Stem found;
-  if (word.size() <= kMaxCachedBytes && cache_.find(word, found)) return found;
+  const bool cached = word.size() <= kMaxCachedBytes;
+  if (cached && cache_.find(word, found)) return found;
+  SharedStems* const shared = shared_ && shared_->impl() == impl_ ? shared_ : nullptr;
+  if (cached && shared && shared->find(word, found)) {
+    cache_.insert(word, found.text, found.plain);
+    return found;
+  }
   word_.assign(word.data(), word.size());
   stemmer_.stemword(word_, result_);
   const bool plain = isPlainText(result_);
-  if (word.size() <= kMaxCachedBytes) cache_.insert(word, result_, plain);
+  if (cached) {
+    cache_.insert(word, result_, plain);
+    if (shared) shared->insert(word, result_, plain);
+  }
   return {result_, plain};
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "corpus/format.hpp"
+#include "corpus/shared_stems.hpp"
 #include "corpus/stem_cache.hpp"
 #include "stemmer/stemmer.hpp"
 
@@ -51,6 +52,12 @@ class LineStemmer {
   // line), and one '\r' before that end is dropped.
   void stemText(std::string_view text, Format format, bool words, std::string& out);
 
+  // From now on words missing from this object's cache are looked for in
+  // `shared` (which must outlive it, or be null: none) before the library, and
+  // stored there, while `shared` holds the stems of the stemmer's current
+  // implementation.
+  void share(SharedStems* shared) { shared_ = shared; }
+
   // From now on stemRecord and stemText call `drain(out)` whenever `out` holds
   // `bytes` or more between two elements, also inside one long line; `drain`
   // writes the text out and empties `out`. An empty `drain` turns this off.
@@ -78,6 +85,7 @@ class LineStemmer {
   ZQ::Dialog::Stemmer& stemmer_;
   const ZQ::Dialog::StemmerPrivate* impl_ = nullptr;  // whose results the cache holds
   StemCache cache_;
+  SharedStems* shared_ = nullptr;
   std::string word_;                   // a word handed to the library, reused
   std::string result_;                 // and its stem
   std::string line_;                   // a line handed to the library, reused

@@ -38,6 +38,9 @@ class StemCache {
   // Forgets every word; keeps the index's size.
   void clear();
 
+  // A 64-bit hash of `word` whose low and high halves both vary.
+  static std::size_t hash(std::string_view word);
+
  private:
   struct Entry {
     std::uint32_t offset;  // of the word in arena_, its stem right after it
@@ -46,7 +49,6 @@ class StemCache {
     bool plain;
   };
   static constexpr std::size_t kFirstSlots = 1024;
-  static std::size_t hash(std::string_view word);
   // Points a free slot, found from `hash`, at entries_[entryNumber - 1].
   void place(std::uint64_t hash, std::size_t entryNumber);
   // Rebuilds the index with `slots` slots, a power of two.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "corpus/line_stemmer.hpp"
@@ -70,4 +71,41 @@ TEST(LineStemmer, SameAsTheLibrary) {
   });
   lines.stemText("The dogs\r\nwent\n\ndon't went dogs went dogs", Format::Jsonl, false, out);
   EXPECT_EQ(drained + out, expected);  // "\r\n" ends a line; the last needs no line end
+}
+
+// LineStemmers on several threads sharing one table of stems give the
+// library's output; the table stops taking words when half full and serves
+// only the implementation it was made for. Run under ThreadSanitizer.
+TEST(Concurrency, LineStemmersSharingStemsGiveTheLibrarysOutput) {
+  const dialog_test::DataRoot data;
+  data.write("lemmatizer/enu/lemma", "went\ngo\ndogs\ndog\nw7\nseven\nq\n\"q\"\n");
+  ZQ::Dialog::Stemmer english("enu");
+  std::string text, expected;
+  for (int i = 0; i < 3000; ++i) text += "went w" + std::to_string(i % 1000) + " dogs q\n";
+  LineStemmer(english, 0).stemText(text, Format::Jsonl, false, expected);  // nothing cached
+  dialog_corpus::SharedStems shared(english.impl, 1024);
+  std::vector<std::string> outs(3);
+  std::vector<std::thread> threads;
+  for (std::string& out : outs)
+    threads.emplace_back([&] {
+      LineStemmer lines(english);
+      lines.share(&shared);
+      lines.stemText(text, Format::Jsonl, false, out);
+    });
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string& out : outs) EXPECT_EQ(out, expected);
+  int held = 0;
+  dialog_corpus::StemCache::Stem stem;
+  for (int i = 0; i < 1000; ++i) held += shared.find("w" + std::to_string(i), stem);
+  EXPECT_GE(held, 500);
+  EXPECT_LE(held, 512 + 2);  // threads may pass the check together
+  EXPECT_TRUE(shared.find("went", stem) && stem.text == "go" && stem.plain);
+
+  dialog_corpus::SharedStems foreign(nullptr);  // some other implementation's
+  foreign.insert("went", "gone", true);
+  LineStemmer lines(english);
+  lines.share(&foreign);
+  std::string out;
+  lines.stemText("went", Format::Jsonl, false, out);
+  EXPECT_EQ(out, "[\"go\"]\n");
 }
