@@ -11,7 +11,7 @@
 class InputBlocks {
  public:
   // A block grows to about this size while more input is ready at once.
-  static constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
+  static constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
 
   // Reads `fd` (left open) and stops at a line longer than `maxLineBytes`.
   InputBlocks(int fd, std::size_t maxLineBytes);

@@ -1,5 +1,6 @@
 // dialog-stem: the stemming library from the shell and in pipelines. See --help.
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,6 +16,7 @@
 #include "run.hpp"
 #include "stdout_to_stderr.hpp"
 #include "stemmer/stemmer.hpp"
+#include "stemmer/stemmer_p.hpp"
 #include "stream_mode.hpp"
 
 namespace {
@@ -47,6 +49,8 @@ int run(const Options& options) {
     const StdoutToStderr trail;
     stemmer = new ZQ::Dialog::Stemmer(options.language);
   } else {
+    // The threads that will stem read the dictionary too.
+    ZQ::Dialog::setLemmaLoadThreads(options.jobs);
     stemmer = new ZQ::Dialog::Stemmer(options.language);
     // Words would come back unchanged without a word of explanation otherwise.
     if (const std::string problem = lemmaFileProblem(options.language); !problem.empty())
@@ -59,6 +63,12 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Each stemming thread's heap would otherwise grow and shrink by small steps
+  // around every block, one system call and fresh page faults each time: a
+  // filter that lives for one input keeps what it has grown.
+  mallopt(M_TOP_PAD, 64 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
   // Checked before Qt opens any file: a descriptor it opens would take the
   // free number 0 or 1, and output would go there or input come from it.
   if (!isOpen(STDOUT_FILENO)) return failure("standard output is closed");

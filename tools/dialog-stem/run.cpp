@@ -73,36 +73,30 @@ void stemSerially(ZQ::Dialog::Stemmer& stemmer, const Options& options, InputBlo
   }
 }
 
-// `jobs` threads stem blocks while the calling thread reads them; whichever
-// thread finds the oldest unwritten block stemmed writes it and every stemmed
-// block after it, so output keeps the input's order.
+// `jobs` threads, the calling one among them, each read the next block (one
+// at a time) and stem it; whichever thread finds the oldest unwritten block
+// stemmed writes it and every stemmed block after it, so output keeps the
+// input's order. No thread only reads: on two cores a third thread would take
+// turns with the two that stem.
 class Parallel {
  public:
   Parallel(ZQ::Dialog::Stemmer& stemmer, const Options& options, unsigned jobs)
-      : stemmer_(stemmer), options_(options), jobs_(jobs), slots_(std::size_t{2} * jobs) {}
+      : stemmer_(stemmer),
+        options_(options),
+        jobs_(jobs),
+        slots_(std::size_t{2} * jobs),
+        shared_(stemmer.impl) {}
 
   // Reads and stems all of `input`; rethrows the first failure of any thread.
   void run(InputBlocks& input) {
+    std::vector<std::thread> threads;
     try {
-      for (unsigned i = 0; i < jobs_; ++i) threads_.emplace_back([this] { work(); });
-      for (std::string* block; (block = freeSlot()) && input.next(*block);) {
-        if (block->size() > kLongBlockBytes) {
-          stemLongBlock(*block);
-        } else {
-          const std::lock_guard<std::mutex> lock(mutex_);
-          ++read_;
-          changed_.notify_all();
-        }
-      }
+      for (unsigned i = 1; i < jobs_; ++i) threads.emplace_back([&] { work(input); });
     } catch (...) {
       stop(std::current_exception());
     }
-    {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      done_ = true;
-      changed_.notify_all();
-    }
-    for (std::thread& thread : threads_) thread.join();
+    work(input);
+    for (std::thread& thread : threads) thread.join();
     if (error_) std::rethrow_exception(error_);
   }
 
@@ -112,50 +106,67 @@ class Parallel {
     bool stemmed = false;
   };
 
-  // The slot for the next block once one is free; null after a failure.
-  std::string* freeSlot() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    changed_.wait(lock, [&] { return error_ || read_ - written_ < slots_.size(); });
-    return error_ ? nullptr : &slots_[read_ % slots_.size()].in;
-  }
-
   void stop(std::exception_ptr error) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!error_) error_ = std::move(error);
     changed_.notify_all();
   }
 
+  // Reads the next block into a free slot; false at the end of the input or
+  // after a failure. A long line is stemmed and written here, once every
+  // block before it is written, while no other thread reads.
+  bool take(InputBlocks& input, Slot*& slot) {
+    const std::lock_guard<std::mutex> reading(reading_);
+    for (;;) {
+      {
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait(lock, [&] { return error_ || done_ || read_ - written_ < slots_.size(); });
+        if (error_ || done_) return false;
+        slot = &slots_[read_ % slots_.size()];
+      }
+      if (!input.next(slot->in)) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        done_ = true;
+        changed_.notify_all();
+        return false;
+      }
+      if (slot->in.size() <= kLongBlockBytes) break;
+      if (!stemLongBlock(slot->in)) return false;
+    }
+    const std::lock_guard<std::mutex> lock(mutex_);
+    slot->stemmed = false;
+    ++read_;
+    return true;
+  }
+
   // A long line: no other thread holds output, so it is written as it is made.
-  void stemLongBlock(const std::string& block) {
+  bool stemLongBlock(const std::string& block) {
     {
       std::unique_lock<std::mutex> lock(mutex_);
       changed_.wait(lock, [&] { return error_ || written_ == read_; });
-      if (error_) return;
+      if (error_) return false;
     }
     LineStemmer lines(stemmer_);
+    lines.share(&shared_);
     drainToStdout(lines);
     std::string out;
     lines.stemText(block, options_.format, options_.words, out);
     writeAndFlush(out);
+    return true;
   }
 
-  void work() {
+  void work(InputBlocks& input) {
     try {
       LineStemmer lines(stemmer_);
+      lines.share(&shared_);
       // Stemmed into a string of this thread's own: appending to one inside
       // the shared slots would keep its cache line moving between cores.
       std::string out;
-      std::unique_lock<std::mutex> lock(mutex_);
-      for (;;) {
-        changed_.wait(lock, [&] { return error_ || taken_ < read_ || done_; });
-        if (error_ || taken_ == read_) return;
-        Slot& slot = slots_[taken_++ % slots_.size()];
-        const std::string_view in = slot.in;
-        lock.unlock();
-        lines.stemText(in, options_.format, options_.words, out);
-        lock.lock();
-        slot.out.swap(out);
-        slot.stemmed = true;
+      for (Slot* slot; take(input, slot);) {
+        lines.stemText(slot->in, options_.format, options_.words, out);
+        std::unique_lock<std::mutex> lock(mutex_);
+        slot->out.swap(out);
+        slot->stemmed = true;
         if (writing_) continue;  // the thread writing picks this block up
         writing_ = true;
         for (Slot* next; !error_ && (next = &slots_[written_ % slots_.size()])->stemmed;) {
@@ -176,13 +187,14 @@ class Parallel {
   ZQ::Dialog::Stemmer& stemmer_;
   const Options& options_;
   unsigned jobs_;
-  std::vector<Slot> slots_;  // block n lives in slot n % size until written
-  std::vector<std::thread> threads_;
-  std::mutex mutex_;
+  std::vector<Slot> slots_;            // block n lives in slot n % size until written
+  dialog_corpus::SharedStems shared_;  // each word goes to the library once
+  std::mutex reading_;                 // held by the thread reading a block
+  std::mutex mutex_;                   // guards what follows and the slots' flags
   std::condition_variable changed_;
-  std::size_t read_ = 0, taken_ = 0, written_ = 0;  // blocks so far
-  bool writing_ = false;                            // a thread is writing blocks
-  bool done_ = false;                               // no block will follow
+  std::size_t read_ = 0, written_ = 0;  // blocks so far
+  bool writing_ = false;                // a thread is writing blocks
+  bool done_ = false;                   // no block will follow
   std::exception_ptr error_;
 };
 
