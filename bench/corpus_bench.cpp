@@ -186,11 +186,11 @@ void tool(benchmark::State& state, const std::string& lang, const std::string& i
       static_cast<std::int64_t>(state.iterations() * std::ifstream(input, std::ios::ate).tellg()));
 }
 
-// dialog-stem --jobs `count` on 64 MB of the language's text, where starting
-// and loading the dictionary count for little: wall time.
+// dialog-stem --jobs `count` on 32 MB of the language's text, start-up and
+// dictionary included: wall time.
 void jobs(benchmark::State& state, const std::string& lang, int count) {
   if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
-  const std::string& input = corpusFile(lang, 64);
+  const std::string& input = corpusFile(lang, 32);
   const dialog_test::DataRoot root(dialog_test::realisticData(lang).prefix);
   long peak;
   for (auto _ : state) {
