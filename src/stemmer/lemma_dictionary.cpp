@@ -83,8 +83,13 @@ using Dictionary = std::map<QString, QString>;
 // a form wins. Forms mostly arrive in ascending order, so each is first tried
 // at the end of the map.
 void addLast(Dictionary& map, Dictionary::node_type node) {
-  const auto at = map.insert(map.end(), std::move(node));
-  if (!node.empty()) at->second = std::move(node.mapped());
+  if (map.empty() || map.rbegin()->first < node.key()) {
+    map.insert(map.end(), std::move(node));
+  } else if (const auto at = map.find(node.key()); at != map.end()) {
+    at->second = std::move(node.mapped());
+  } else {
+    map.insert(std::move(node));
+  }
 }
 
 // Makes pairs of lines into map nodes, and equal lemmas of nearby forms share
