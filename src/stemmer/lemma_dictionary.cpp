@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <string_view>
@@ -147,6 +146,7 @@ class PairBuilder {
       maker_.emplace(std::move(form_), std::move(lemma));
       nodes_->push_back(maker_.extract(maker_.begin()));
     } else if (map_->empty() || map_->rbegin()->first < form_) {
+      // addLast's rule, without the node handle that a lone part never needs.
       map_->emplace_hint(map_->end(), std::move(form_), std::move(lemma));
     } else {
       (*map_)[form_] = std::move(lemma);
