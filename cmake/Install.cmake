@@ -6,7 +6,7 @@ set(DIALOG_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/DialogStemmer")
 
 # Components, for `cmake --install --component`: runtime (the shared
 # libraries), development (headers, CMake and pkg-config files, the .so links),
-# tool, data-enu, data-frf, data-jpj and python. The Debian packages in
+# tool, data-enu, data-frf, data-jpj, data-jpj-unidic and python. The Debian packages in
 # debian/ split the same files by their debian/*.install lists.
 install(TARGETS ku dialog-stemmer
   EXPORT DialogStemmerTargets
