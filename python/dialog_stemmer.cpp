@@ -104,28 +104,34 @@ const PyStemmer& live(const StemmerSelf& self) {
 // would leave it unchanged without a word: wraps `name` to raise instead.
 // (A function named __init__ or __setstate__ would be ignored the same way,
 // hence the qualified name.)
-template <typename Arg>
 void refuseOnLiveObject(py::class_<PyStemmer>& cls, const char* name, const char* internalName,
-                        const char* argument, const char* doc) {
+                        const char* doc) {
   const py::object original = cls.attr(name);
   py::options options;
   options.disable_function_signatures();
   py::setattr(cls, name,
               py::cpp_function(
-                  [original, name](const StemmerSelf& self, const Arg& arg) {
+                  [original, name](const StemmerSelf& self, const py::args& args,
+                                   const py::kwargs& kwargs) {
                     if (isBuilt(self))
                       throw std::runtime_error(std::string("Stemmer.") + name +
                                                " on a Stemmer already built: make a new one");
-                    original(self.object, arg);
+                    original(self.object, *args, **kwargs);
                   },
-                  py::name(internalName), py::is_method(cls), py::arg(argument), doc));
+                  py::name(internalName), py::is_method(cls), doc));
 }
 
-// (type(self), (code,)): a new stemmer for the same code, for every pickle
-// protocol and for copy.copy/deepcopy.
+// The arguments that build a stemmer like `stemmer`: (code,), or in the
+// morpheme mode (code, True, dictionary).
+py::tuple arguments(const PyStemmer& stemmer) {
+  if (!stemmer.morphemes()) return py::make_tuple(stemmer.language());
+  return py::make_tuple(stemmer.language(), true, stemmer.dictionaryName());
+}
+
+// (type(self), arguments): a new stemmer of the same settings, for every
+// pickle protocol and for copy.copy/deepcopy.
 py::tuple reduce(const StemmerSelf& self) {
-  const PyStemmer& stemmer = live(self);
-  return py::make_tuple(py::type::handle_of(self.object), py::make_tuple(stemmer.language()));
+  return py::make_tuple(py::type::handle_of(self.object), arguments(live(self)));
 }
 
 }  // namespace
@@ -138,6 +144,8 @@ PYBIND11_MODULE(dialog_stemmer, m) {
 
   py::class_<PyStemmer> cls(m, "Stemmer", R"doc(
 Stemmer(code) -> the stemmer of one language: "enu", "frf" or "jpj".
+Stemmer("jpj", morphemes=True, dictionary="ipadic") -> Japanese base forms,
+one per morpheme, as `dialog-stem --lang jpj --morphemes --dictionary NAME`.
 
 Never fails on a code: an unsupported one logs "Unsupported language" (logger
 "dialog_stemmer") and gives a stemmer that returns words unchanged and
@@ -146,13 +154,33 @@ WARNING naming it. Building a "jpj" stemmer sends the segmenter's progress
 text to standard error. An object from Stemmer.__new__ alone raises
 RuntimeError on every call; __init__ or __setstate__ on a built one too.
 
-Thread safety: any number of threads may share one "enu" or "frf" stemmer;
-the calls release the GIL while they work. A "jpj" stemmer serves one thread
-at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc");
-  cls.def(py::init<const py::str&>(), py::arg("code"))
+The morpheme mode opens the MeCab dictionary found as data "data/NAME/"
+(dictionary None: "ipadic"; "unidic" is Debian's unidic-mecab), once per
+process. ValueError for morphemes=True with another code, for a dictionary
+without morphemes=True and for a name other than "ipadic" or "unidic";
+FileNotFoundError when the dictionary is missing, RuntimeError when it does
+not open or is of neither layout, each naming it on one line.
+
+Thread safety: any number of threads may share one "enu" or "frf" stemmer,
+or one in the morpheme mode; the calls release the GIL while they work. A
+plain "jpj" stemmer serves one thread at a time. Pickling keeps the code and
+the morpheme settings: each unpickled copy builds its own.)doc");
+  cls.def(py::init<const py::str&, bool, const py::object&>(), py::arg("code"),
+          py::arg("morphemes") = false, py::arg("dictionary") = py::none())
       .def_property_readonly(
           "language", [](const StemmerSelf& self) { return live(self).language(); },
           "The code given at construction.")
+      .def_property_readonly(
+          "morphemes", [](const StemmerSelf& self) { return live(self).morphemes(); },
+          "Whether this is the morpheme mode (morphemes=True).")
+      .def_property_readonly(
+          "dictionary",
+          [](const StemmerSelf& self) -> py::object {
+            const PyStemmer& stemmer = live(self);
+            if (!stemmer.morphemes()) return py::none();
+            return py::str(stemmer.dictionaryName());
+          },
+          "The morpheme mode's dictionary name ('ipadic', 'unidic'), else None.")
       .def(
           "stemword",
           [](const StemmerSelf& self, const py::str& word) { return live(self).stemword(word); },
@@ -168,7 +196,9 @@ at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc
           py::arg("sentence"),
           "The normal forms of `sentence`: for 'enu' and 'frf' one element per piece\n"
           "between spaces and apostrophes (empty pieces included); for 'jpj' and\n"
-          "unsupported codes the sentence whole ([] for ''). Raises as stemword().")
+          "unsupported codes the sentence whole ([] for ''); in the morpheme mode the\n"
+          "base form of each morpheme, or its surface where the dictionary has none\n"
+          "(spaces give none). Raises as stemword().")
       .def(
           "stem_sentences",
           [](const StemmerSelf& self, const py::object& sentences) {
@@ -188,10 +218,14 @@ at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc
           "end, one b'\\r' before that is dropped, and bytes that are not UTF-8 give the\n"
           "tool's result (jsonl writes each as U+FFFD). Runs without the GIL. Raises\n"
           "TypeError for a str, ValueError for a format other than 'lines', 'tsv', 'jsonl'.")
-      .def(py::pickle([](const StemmerSelf& self) { return py::make_tuple(live(self).language()); },
+      .def(py::pickle([](const StemmerSelf& self) { return arguments(live(self)); },
                       [](const py::tuple& state) {
-                        if (state.size() != 1) throw py::value_error("bad Stemmer pickle");
-                        return PyStemmer(state[0].cast<py::str>());
+                        if (state.size() == 1)
+                          return PyStemmer(state[0].cast<py::str>(), false, py::none());
+                        if (state.size() == 3)
+                          return PyStemmer(state[0].cast<py::str>(), state[1].cast<bool>(),
+                                           state[2]);
+                        throw py::value_error("bad Stemmer pickle");
                       }))
       .def("__reduce__", &reduce)
       .def(
@@ -199,17 +233,21 @@ at a time. Pickling keeps only the code: each unpickled copy builds its own.)doc
           py::arg("protocol"))
       .def("__repr__", [](const StemmerSelf& self) {
         if (!isBuilt(self)) return std::string("<dialog_stemmer.Stemmer, not initialised>");
-        return "dialog_stemmer.Stemmer(" +
-               py::repr(py::str(live(self).language())).cast<std::string>() + ")";
+        const PyStemmer& stemmer = live(self);
+        std::string text = "dialog_stemmer.Stemmer(" + py::repr(py::str(stemmer.language())).cast<std::string>();
+        if (stemmer.morphemes())
+          text += ", morphemes=True, dictionary=" +
+                  py::repr(py::str(stemmer.dictionaryName())).cast<std::string>();
+        return text + ")";
       });
-  refuseOnLiveObject<py::str>(
-      cls, "__init__", "Stemmer.__init__", "code",
-      "__init__(self, code: str) -> None\n\n"
-      "Builds the stemmer of `code`; RuntimeError on a Stemmer already built.");
-  refuseOnLiveObject<py::tuple>(cls, "__setstate__", "Stemmer.__setstate__", "state",
-                                "__setstate__(self, state: tuple) -> None\n\n"
-                                "Builds the stemmer of the code in `state` (a pickle's state);\n"
-                                "RuntimeError on a Stemmer already built.");
+  refuseOnLiveObject(cls, "__init__", "Stemmer.__init__",
+                     "__init__(self, code: str, morphemes: bool = False,\n"
+                     "         dictionary: Optional[str] = None) -> None\n\n"
+                     "Builds the stemmer of `code`; RuntimeError on a Stemmer already built.");
+  refuseOnLiveObject(cls, "__setstate__", "Stemmer.__setstate__",
+                     "__setstate__(self, state: tuple) -> None\n\n"
+                     "Builds the stemmer of the settings in `state` (a pickle's state);\n"
+                     "RuntimeError on a Stemmer already built.");
 
   m.def("snowball_stem", &snowballStem, py::arg("algorithm"), py::arg("lines"),
         "The Snowball stem of each line, one per line: each line is lowered byte by\n"

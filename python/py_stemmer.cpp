@@ -1,8 +1,10 @@
 #include "py_stemmer.hpp"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <unordered_map>
+#include <variant>
 #include <vector>
 
 #include "check.hpp"
@@ -103,13 +105,48 @@ void warnWithoutLemmas(const std::string& language) {
       .attr("warning")("%s: words come back unchanged", problem);
 }
 
+using ZQ::Dialog::corpus::MorphemeDictionary;
+using ZQ::Dialog::corpus::MorphemeStemmer;
+
+// The dictionary `name`, shared with every stemmer that holds it already:
+// one MeCab model per process and directory. Called with the GIL held, which
+// guards the table; opens without it.
+std::shared_ptr<const MorphemeDictionary> openDictionary(const std::string& name) {
+  if (!MorphemeDictionary::knownName(name))
+    throw py::value_error("unknown dictionary '" + name + "': expected 'ipadic' or 'unidic'");
+  static std::map<std::string, std::weak_ptr<const MorphemeDictionary>> opened;
+  const std::string relative = "data/" + name + "/";
+  const std::string directory = ku::path::findData("dialog", relative);
+  if (auto shared = opened[directory].lock()) return shared;
+  std::shared_ptr<const MorphemeDictionary> dictionary;
+  std::string error;
+  {
+    py::gil_scoped_release release;
+    dictionary = MorphemeDictionary::open(name, error);
+  }
+  if (!dictionary) {
+    PyErr_SetString(directory.empty() ? PyExc_FileNotFoundError : PyExc_RuntimeError, error.c_str());
+    throw py::error_already_set();
+  }
+  opened[directory] = dictionary;
+  return dictionary;
+}
+
 }  // namespace
 
-// What one call stems with: a LineStemmer (used without the GIL) and a
-// StrCache (used with it), both keeping their caches from call to call.
+// What one call stems with: a LineStemmer or a MorphemeStemmer (used without
+// the GIL) and a StrCache (used with it), keeping their caches from call to call.
 struct Workspace {
-  explicit Workspace(ZQ::Dialog::Stemmer& stemmer) : line(stemmer) {}
-  dialog_corpus::LineStemmer line;
+  explicit Workspace(ZQ::Dialog::Stemmer& stemmer)
+      : stemmer(std::in_place_type<dialog_corpus::LineStemmer>, stemmer) {}
+  explicit Workspace(std::shared_ptr<const MorphemeDictionary> dictionary)
+      : stemmer(std::in_place_type<MorphemeStemmer>, std::move(dictionary)) {}
+  // Calls `use(stemmer)` with the stemmer of this workspace.
+  template <typename Use>
+  void with(Use&& use) {
+    std::visit(use, stemmer);
+  }
+  std::variant<dialog_corpus::LineStemmer, MorphemeStemmer> stemmer;
   StrCache strs;
 };
 
@@ -118,11 +155,13 @@ struct Workspace {
 class PyStemmer::Lease {
  public:
   explicit Lease(const PyStemmer& owner) : owner_(owner) {
-    if (owner.idle_.empty()) {
-      workspace_ = std::make_unique<Workspace>(*owner.stemmer_);
-    } else {
+    if (!owner.idle_.empty()) {
       workspace_ = std::move(owner.idle_.back());
       owner.idle_.pop_back();
+    } else if (owner.dictionary_) {
+      workspace_ = std::make_unique<Workspace>(owner.dictionary_);
+    } else {
+      workspace_ = std::make_unique<Workspace>(*owner.stemmer_);
     }
   }
   ~Lease() {
@@ -150,18 +189,30 @@ void rejectSingleText(py::handle items, const char* function) {
                          Py_TYPE(p)->tp_name + ": wrap it in a list");
 }
 
-PyStemmer::PyStemmer(const py::str& code) : language_(utf8(code)) {
-  if (language_ == "jpj") {
-    // The segmenter writes its progress to C's stdout while it opens.
-    const StdoutToStderr guard;
-    stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
-  } else {
-    stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
-    warnWithoutLemmas(language_);
+PyStemmer::PyStemmer(const py::str& code, bool morphemes, const py::object& dictionary)
+    : language_(utf8(code)) {
+  if (!morphemes) {
+    if (!dictionary.is_none())
+      throw py::value_error("dictionary= needs morphemes=True: the library's stemmers use none");
+    if (language_ == "jpj") {
+      // The segmenter writes its progress to C's stdout while it opens.
+      const StdoutToStderr guard;
+      stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
+    } else {
+      stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
+      warnWithoutLemmas(language_);
+    }
+    return;
   }
+  if (language_ != "jpj")
+    throw py::value_error("morphemes=True needs the code 'jpj', got '" + language_ + "'");
+  dictionaryName_ = dictionary.is_none() ? MorphemeDictionary::kDefaultName : utf8(dictionary);
+  dictionary_ = openDictionary(dictionaryName_);
 }
 
 std::string PyStemmer::stemword(const py::str& word) const {
+  if (morphemes())
+    throw py::value_error("stemword has no morpheme mode: use stem_sentence, one word a sentence");
   std::string form = utf8(word), result;
   stemmer_->stemword(form, result);
   return result;
@@ -173,7 +224,7 @@ py::list PyStemmer::stemSentence(const py::str& sentence) const {
   const Lease workspace(*this);
   {
     py::gil_scoped_release release;
-    workspace->line.stemSentence(text, elements);
+    workspace->with([&](auto& stemmer) { stemmer.stemSentence(text, elements); });
   }
   return workspace->strs.list(elements, 0, elements.size());
 }
@@ -198,11 +249,13 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
     ends.clear();
     {
       py::gil_scoped_release release;
-      for (std::size_t i = first; i < last; ++i) {
-        text.assign(texts[i]);
-        workspace->line.stemSentence(text, elements);
-        ends.push_back(elements.size());
-      }
+      workspace->with([&](auto& stemmer) {
+        for (std::size_t i = first; i < last; ++i) {
+          text.assign(texts[i]);
+          stemmer.stemSentence(text, elements);
+          ends.push_back(elements.size());
+        }
+      });
     }
     for (std::size_t i = first, begin = 0; i < last; begin = ends[i - first], ++i)
       PyList_SET_ITEM(results.ptr(), static_cast<Py_ssize_t>(i),
@@ -213,6 +266,7 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
 
 py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format, bool words) const {
   const dialog_corpus::Format parsed = parseFormat(format);
+  if (words && morphemes()) throw py::value_error("words=True has no morpheme mode: stem the lines");
   const ByteView input(data);
   std::string out;
   const Lease workspace(*this);
@@ -220,7 +274,10 @@ py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format,
     py::gil_scoped_release release;
     // jsonl writes about 1.4 bytes per byte of text: no regrowth on the way.
     out.reserve(input.text().size() / 2 * 3 + 64);
-    workspace->line.stemText(input.text(), parsed, words, out);
+    if (auto* morphemes = std::get_if<MorphemeStemmer>(&workspace->stemmer))
+      morphemes->stemText(input.text(), parsed, out);
+    else
+      std::get<dialog_corpus::LineStemmer>(workspace->stemmer).stemText(input.text(), parsed, words, out);
   }
   return py::bytes(out);
 }

@@ -7,23 +7,35 @@
 #include <string>
 #include <vector>
 
+#include "corpus/morphemes.hpp"
 #include "stemmer/stemmer.hpp"
 
 struct Workspace;
 
 // The object behind dialog_stemmer.Stemmer: one ZQ::Dialog::Stemmer of one
-// language code, and the conversions between Python objects and its calls.
-// Thread-safe as the library is for its code ("enu", "frf": any number of
-// threads; "jpj": one at a time). Every method is entered with the GIL held
-// and releases it while it stems.
+// language code, or in the morpheme mode one MeCab dictionary, and the
+// conversions between Python objects and their calls. Thread-safe as the
+// library is for its code ("enu", "frf": any number of threads; "jpj": one at
+// a time); in the morpheme mode any number of threads, each call with a
+// lattice of its own. Every method is entered with the GIL held and releases
+// it while it stems.
 class PyStemmer {
  public:
   // Builds the stemmer of `code`. For "enu" and "frf" without a usable lemma
   // file, logs one WARNING (logger "dialog_stemmer") that names the file or
   // the places it was looked for. Never throws for an unknown code.
-  explicit PyStemmer(const pybind11::str& code);
+  // With `morphemes`, the morpheme mode of "jpj" on the dictionary `dictionary`
+  // (None: "ipadic"), opened once per process while any stemmer holds it.
+  // ValueError for morphemes with another code, for a dictionary without
+  // morphemes and for an unknown dictionary name; FileNotFoundError when the
+  // dictionary is missing; RuntimeError when it does not open or is of
+  // neither layout; each with a one-line message naming it.
+  PyStemmer(const pybind11::str& code, bool morphemes, const pybind11::object& dictionary);
 
   const std::string& language() const { return language_; }
+  bool morphemes() const { return dictionary_ != nullptr; }
+  // The dictionary's name in the morpheme mode, else "".
+  const std::string& dictionaryName() const { return dictionaryName_; }
 
   // The lemma of `word`, or `word` unchanged. TypeError for a non-str,
   // UnicodeEncodeError for a lone surrogate.
@@ -50,8 +62,11 @@ class PyStemmer {
   class Lease;
 
   std::string language_;
+  std::string dictionaryName_;
   // Owned here and never copied: copies of a Stemmer share one implementation.
+  // Null in the morpheme mode, which stems with `dictionary_` instead.
   std::unique_ptr<ZQ::Dialog::Stemmer> stemmer_;
+  std::shared_ptr<const ZQ::Dialog::corpus::MorphemeDictionary> dictionary_;
   // Workspaces that calls left behind, whose caches the next calls reuse;
   // guarded by the GIL. Mutable: caches change no result.
   mutable std::vector<std::unique_ptr<Workspace>> idle_;

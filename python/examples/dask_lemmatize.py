@@ -6,6 +6,11 @@ UTF-8 included).
 
     python3 python/examples/dask_lemmatize.py [--lang enu] [--workers 2] [--processes]
         [--blocksize 8MiB] [--dashboard ADDRESS] [--scheduler ADDRESS] IN OUT
+    python3 python/examples/dask_lemmatize.py --lang jpj --morphemes [--dictionary ipadic] ... IN OUT
+
+With --lang jpj --morphemes each line gives the base form of every morpheme,
+as `dialog-stem --lang jpj --morphemes --dictionary NAME --format jsonl`
+(dictionary ipadic by default, or unidic).
 
 Each task reads its own block of IN (a byte range cut at line ends, by
 dask.bytes.read_bytes), stems it with Stemmer.stem_text and returns one bytes
@@ -38,11 +43,19 @@ import threading
 _LOCAL_STEMMERS = {}  # this process's Stemmers when it runs the blocks itself
 
 
+class _Parser(argparse.ArgumentParser):
+    def error(self, message):  # one line, as dialog-stem writes it
+        self.exit(2, f"{self.prog}: {message}\n")
+
+
 def parse_args(argv):
-    p = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    p = _Parser(prog="dask_lemmatize.py", description=__doc__.splitlines()[0])
     p.add_argument("input", help="text file or URL, one sentence a line, any bytes")
     p.add_argument("output", help="JSON lines file or URL to write; with '*': one part file per block")
     p.add_argument("--lang", default="enu", choices=["enu", "frf", "jpj"])
+    p.add_argument("--morphemes", action="store_true", help="jpj: the base form of every morpheme")
+    p.add_argument("--dictionary", choices=["ipadic", "unidic"],
+                   help="the morpheme mode's MeCab dictionary (default: ipadic)")
     p.add_argument("--workers", type=int, default=2, help="local workers (0: none)")
     p.add_argument("--processes", action="store_true",
                    help="local workers in processes of their own (default: threads of this one)")
@@ -53,12 +66,19 @@ def parse_args(argv):
     args = p.parse_args(argv)
     if args.workers < 0:
         p.error("--workers must be 0 or more")
+    if args.morphemes and args.lang != "jpj":
+        p.error(f"--morphemes needs --lang jpj, not --lang {args.lang}")
+    if args.dictionary and not args.morphemes:
+        p.error("--dictionary needs --morphemes")
+    # What builds the stemmer: dialog_stemmer.Stemmer(*settings).
+    args.settings = (args.lang, True, args.dictionary) if args.morphemes else (args.lang,)
     return args
 
 
-def stemmer_for(lang):
-    """One Stemmer per process and code (building one reads its lemma file),
-    kept on the Dask worker; "jpj" serves one thread, so one per thread."""
+def stemmer_for(settings):
+    """One Stemmer per process and settings (building one reads its lemma file
+    or opens its dictionary), kept on the Dask worker; a plain "jpj" stemmer
+    serves one thread, so one per thread."""
     import dialog_stemmer
 
     try:
@@ -67,21 +87,21 @@ def stemmer_for(lang):
         holder = get_worker().__dict__.setdefault("dialog_stemmers", {})
     except (ImportError, ValueError):  # not on a worker: this process runs the blocks
         holder = _LOCAL_STEMMERS
-    key = (lang, threading.get_ident() if lang == "jpj" else None)
+    key = (settings, threading.get_ident() if settings == ("jpj",) else None)
     if key not in holder:
-        holder[key] = dialog_stemmer.Stemmer(lang)
+        holder[key] = dialog_stemmer.Stemmer(*settings)
     return holder[key]
 
 
-def stem_block(block, lang):
-    return stemmer_for(lang).stem_text(block, "jsonl")
+def stem_block(block, settings):
+    return stemmer_for(settings).stem_text(block, "jsonl")
 
 
-def write_part(block, lang, path):
+def write_part(block, settings, path):
     import fsspec
 
     with fsspec.open(path, "wb") as out:
-        out.write(stem_block(block, lang))
+        out.write(stem_block(block, settings))
     return path
 
 
@@ -128,14 +148,16 @@ def main(argv):
     fs, path = url_to_fs(args.input)
     if not fs.isfile(path):
         sys.exit(f"dask_lemmatize.py: no such file: {args.input}")
+    if args.morphemes:  # a missing or unusable dictionary stops here, not in every task
+        stemmer_for(args.settings)
     _, blocks = read_bytes(args.input, delimiter=b"\n", blocksize=args.blocksize, sample=False)
     blocks = blocks[0] if blocks else []
     if "*" in args.output:
         width = len(str(max(0, len(blocks) - 1)))
-        tasks = [dask.delayed(write_part)(b, args.lang, args.output.replace("*", f"{i:0{width}d}"))
+        tasks = [dask.delayed(write_part)(b, args.settings, args.output.replace("*", f"{i:0{width}d}"))
                  for i, b in enumerate(blocks)]
     else:
-        tasks = [dask.delayed(stem_block)(b, args.lang) for b in blocks]
+        tasks = [dask.delayed(stem_block)(b, args.settings) for b in blocks]
 
     if args.workers == 0 and not args.scheduler:
         message = write(args.output, (task.compute(scheduler="synchronous") for task in tasks))

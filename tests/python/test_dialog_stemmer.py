@@ -24,6 +24,10 @@ SENTENCES = [
 ]
 # Lines as a corpus holds them: bad UTF-8, NUL, CR before the line end, no final newline.
 RAW = "\n".join(SENTENCES).encode() + b"\nbad \xff\xfe dogs\r\nnul\0went\n\\ \"q\"\nlast"
+# Japanese as the morpheme mode meets it: blanks, unknown words, ASCII, and the
+# corpus's bad bytes, NUL and CR.
+JA_SENTENCES = ["猫が走った", "", " \u3000\t", "猫 が  走った", "犬ぽんど", "abc 12 猫"]
+JA_RAW = "\n".join(JA_SENTENCES).encode() + b"\nbad \xff\xfe\r\nnul\0\xe7\x8c\xab\n\\\"q\"\nlast"
 EXAMPLE = os.path.join(os.path.dirname(__file__), "..", "..", "python", "examples", "dask_lemmatize.py")
 
 
@@ -36,6 +40,17 @@ def data(tmp_path, monkeypatch):
     monkeypatch.setenv("KU_PREFIX_PATH", str(tmp_path))
     monkeypatch.setenv("XDG_DATA_HOME", str(tmp_path / "none"))
     return tmp_path
+
+
+@pytest.fixture
+def dictionaries(compiled_dictionaries, data):
+    """data/ipadic and data/unidic in the test's data root: tiny dictionaries of
+    each layout. Returns the folder of the links."""
+    folder = data / "share" / "dialog" / "data"
+    folder.mkdir(parents=True)
+    for name in ("ipadic", "unidic"):
+        (folder / name).symlink_to(compiled_dictionaries[name])
+    return folder
 
 
 def tool(*args, text=b""):
@@ -138,12 +153,78 @@ def test_threads_share_one_stemmer():
     assert dialog_stemmer.snowball_stem("english", ["Running", "JUMPS", ""]) == ["run", "jump", ""]
 
 
-@pytest.mark.parametrize("workers", [0, 2])
-def test_dask_example_equals_the_tool(tmp_path, workers):
+@pytest.mark.parametrize("workers, options", [
+    (0, []), (2, []), (2, ["--lang", "jpj", "--morphemes", "--dictionary", "unidic"])])
+def test_dask_example_equals_the_tool(tmp_path, request, workers, options):
     for module in ("dask", "distributed"):
         pytest.importorskip(module, reason=f"python3-{module} is not installed")
-    corpus = b"".join(b"%d dogs don't went\n" % i for i in range(3000)) + RAW  # blocks of 8 KiB
+    if options:
+        request.getfixturevalue("dictionaries")
+    corpus = b"".join(b"%d dogs don't went\n" % i for i in range(3000)) + RAW + JA_RAW  # blocks of 8 KiB
     (tmp_path / "in.txt").write_bytes(corpus)
-    subprocess.run([sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB",
+    subprocess.run([sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB", *options,
                     str(tmp_path / "in.txt"), str(tmp_path / "out.jsonl")], check=True)
-    assert (tmp_path / "out.jsonl").read_bytes() == tool("--format", "jsonl", text=corpus)
+    assert (tmp_path / "out.jsonl").read_bytes() == tool(*options, "--format", "jsonl", text=corpus)
+
+
+@pytest.mark.parametrize("options, status", [
+    (["--morphemes"], 2), (["--lang", "jpj", "--dictionary", "unidic"], 2),
+    (["--lang", "jpj", "--morphemes", "--dictionary", "juman"], 2),
+    (["--lang", "jpj", "--morphemes", "--dictionary", "unidic"], 1),  # the data holds none
+])
+def test_dask_example_refuses_bad_usage(tmp_path, options, status):
+    if status == 1:
+        pytest.importorskip("dask", reason="python3-dask is not installed")
+    (tmp_path / "in.txt").write_bytes("猫\n".encode())
+    run = subprocess.run([sys.executable, EXAMPLE, *options, str(tmp_path / "in.txt"), str(tmp_path / "out")],
+                         capture_output=True)
+    assert (run.returncode, run.stderr.count(b"\n"), os.listdir(tmp_path)) == (status, 1, ["in.txt"])
+
+
+@pytest.mark.parametrize("dictionary, sentence, elements", [
+    (None, "猫が走った", ["猫", "が", "走る", "た"]),  # ipadic's base form (原形)
+    ("unidic", "ぽんど", ["ポンド"]),  # UniDic's lexeme (語彙素) without its gloss
+])
+def test_morphemes_equal_the_tool(dictionaries, dictionary, sentence, elements):
+    japanese = Stemmer("jpj", morphemes=True, dictionary=dictionary)
+    options = ["--lang", "jpj", "--morphemes"] + (["--dictionary", dictionary] if dictionary else [])
+    assert japanese.stem_sentence(sentence) == elements
+    for text, stems in zip(JA_SENTENCES, japanese.stem_sentences(iter(JA_SENTENCES))):
+        assert stems == japanese.stem_sentence(text) == tool(*options, text).decode()[:-1].split("\n")[:-1]
+    # Threads share one stemmer, each call with a lattice of its own.
+    with ThreadPoolExecutor(3) as pool:
+        texts = list(pool.map(lambda f: (f, japanese.stem_text(JA_RAW * 50, f)), ["lines", "tsv", "jsonl"]))
+    for format, text in texts:
+        assert text == tool(*options, "--format", format, text=JA_RAW * 50)
+
+
+BAD_MORPHEMES = [  # (link to change: None removes it, call, error, a word of its one-line message)
+    ({}, lambda: Stemmer("enu", morphemes=True), ValueError, "jpj"),
+    ({}, lambda: Stemmer("jpj", morphemes=True, dictionary="juman"), ValueError, "juman"),
+    ({}, lambda: Stemmer("jpj", dictionary="ipadic"), ValueError, "morphemes"),
+    ({}, lambda: Stemmer("jpj", morphemes=True).stemword("猫"), ValueError, "stemword"),
+    ({}, lambda: Stemmer("jpj", morphemes=True).stem_text(b"x", words=True), ValueError, "words"),
+    ({"unidic": None}, lambda: Stemmer("jpj", morphemes=True, dictionary="unidic"), FileNotFoundError, "unidic"),
+    ({"ipadic": "third"}, lambda: Stemmer("jpj", morphemes=True), RuntimeError, "ipadic"),  # neither layout
+]
+
+
+@pytest.mark.parametrize("links, call, error, word", BAD_MORPHEMES)
+def test_bad_morpheme_modes_raise(dictionaries, compiled_dictionaries, links, call, error, word):
+    for name, target in links.items():
+        (dictionaries / name).unlink()
+        if target:
+            (dictionaries / name).symlink_to(compiled_dictionaries[target])
+    with pytest.raises(error) as raised:
+        call()
+    assert word in str(raised.value) and "\n" not in str(raised.value)
+
+
+def test_pickling_keeps_the_morpheme_mode(dictionaries):
+    unidic = Stemmer("jpj", morphemes=True, dictionary="unidic")
+    copies = [pickle.loads(pickle.dumps(unidic, p)) for p in range(pickle.HIGHEST_PROTOCOL + 1)]
+    for other in copies + [copy.copy(unidic), copy.deepcopy(unidic)]:
+        assert (other.language, other.morphemes, other.dictionary) == ("jpj", True, "unidic")
+        assert other.stem_sentence("ぽんど") == ["ポンド"]  # ipadic gives the surface
+    assert unidic.__reduce__() == (Stemmer, ("jpj", True, "unidic"))
+    assert repr(unidic) == "dialog_stemmer.Stemmer('jpj', morphemes=True, dictionary='unidic')"
