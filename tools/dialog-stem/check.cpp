@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "corpus/morphemes.hpp"
 #include "ku/path.hpp"
 #include "stdout_to_stderr.hpp"
 #include "stemmer/stemmer.hpp"
@@ -24,13 +25,43 @@ std::string lemmaFileProblem(const std::string& language) {
   return "";
 }
 
-int runCheck(const std::string& language) {
-  const bool japanese = language == "jpj";
-  const std::string relative = japanese ? "data/ipadic/" : "lemmatizer/" + language + "/lemma";
+namespace {
+
+// Prints where data `relative` of package "dialog" is looked for; returns what was found.
+std::string showLookup(const std::string& relative) {
   const std::string found = ku::path::findData("dialog", relative, false);
   std::printf("data \"%s\" of package \"dialog\", looked for in this order:\n", relative.c_str());
   for (const std::string& candidate : ku::path::dataCandidates("dialog", relative, false))
     std::printf("  %s %s\n", candidate == found ? "found  " : "missing", candidate.c_str());
+  return found;
+}
+
+// The dictionaries of --morphemes: 1 when one is there but unusable; a
+// missing unidic is no fault (it is an optional package).
+int checkMorphemeDictionaries() {
+  int status = 0;
+  for (const char* name : {"ipadic", "unidic"}) {
+    const std::string found = showLookup(std::string("data/") + name + "/");
+    std::string error;
+    const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(name, error);
+    if (dictionary) {
+      const bool unidic = dictionary->layout() == ZQ::Dialog::corpus::DictionaryLayout::kUnidic;
+      std::printf("--morphemes --dictionary %s: %s, %s layout\n", name, found.c_str(),
+                  unidic ? "UniDic" : "ipadic");
+    } else {
+      std::printf("--morphemes --dictionary %s: %s\n", name, error.c_str());
+      if (!found.empty()) status = 1;
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+int runCheck(const std::string& language) {
+  const bool japanese = language == "jpj";
+  const std::string relative = japanese ? "data/ipadic/" : "lemmatizer/" + language + "/lemma";
+  const std::string found = showLookup(relative);
   if (found.empty()) {
     std::printf("%s: not found\n", japanese ? "dictionary directory" : "lemma file");
     return 1;
@@ -43,7 +74,8 @@ int runCheck(const std::string& language) {
     }
     std::printf("dictionary directory %s: %s\n", found.c_str(),
                 opens ? "opens" : "does not open (see the trail above)");
-    return opens ? 0 : 1;
+    const int morphemes = checkMorphemeDictionaries();
+    return opens ? morphemes : 1;
   }
   if (const std::string problem = lemmaFileProblem(language); !problem.empty()) {
     std::printf("%s\n", problem.c_str());

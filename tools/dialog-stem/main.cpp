@@ -8,10 +8,12 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <utility>
 
 #include <QCoreApplication>
 
 #include "check.hpp"
+#include "corpus/morphemes.hpp"
 #include "options.hpp"
 #include "run.hpp"
 #include "stdout_to_stderr.hpp"
@@ -44,6 +46,12 @@ int run(const Options& options) {
   // Kept to the process's end, never destroyed: freeing a French dictionary's
   // 300k entries would add a fifth to the tool's start-up and exit time.
   static ZQ::Dialog::Stemmer* stemmer = nullptr;
+  if (options.morphemes) {
+    std::string error;
+    auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(options.dictionary, error);
+    if (!dictionary) return failure(error.c_str());
+    return runMorphemes(std::move(dictionary), options);
+  }
   if (options.language == "jpj") {
     // The Japanese segmenter reports its progress on standard output.
     const StdoutToStderr trail;

@@ -6,6 +6,8 @@
 
 #include <QCommandLineParser>
 
+#include "corpus/morphemes.hpp"
+
 namespace {
 
 ParseResult usageError(const QString& message) {
@@ -56,14 +58,25 @@ ParseResult parseOptions(const QStringList& arguments) {
       QStringLiteral("format"), QStringLiteral("lines"));
   const QCommandLineOption jobsOption(
       QStringLiteral("jobs"),
-      QStringLiteral("Threads sharing one stemmer (0: one per core; default 1). Output order "
-                     "and bytes do not change. Japanese (jpj) runs on one thread."),
+      QStringLiteral(
+          "Threads sharing one stemmer (0: one per core; default 1). Output order "
+          "and bytes do not change. Japanese (jpj) runs on one thread but with --morphemes."),
       QStringLiteral("N"), QStringLiteral("1"));
   const QCommandLineOption checkOption(
       QStringLiteral("check"),
       QStringLiteral("Print where the language's data is looked for and found, and how many "
                      "pairs its lemma file holds; exit 1 when it is missing."));
-  parser.addOptions({langOption, wordsOption, formatOption, jobsOption, checkOption, streamOption});
+  const QCommandLineOption morphemesOption(
+      QStringLiteral("morphemes"),
+      QStringLiteral("With --lang jpj: one element per morpheme, its base form (the surface "
+                     "where the dictionary has none). See dialog-stem(1)."));
+  const QCommandLineOption dictionaryOption(
+      QStringLiteral("dictionary"),
+      QStringLiteral("MeCab dictionary of --morphemes: ipadic (default) or unidic, found as "
+                     "data data/NAME/ (see --check --lang jpj)."),
+      QStringLiteral("name"), QStringLiteral("ipadic"));
+  parser.addOptions({langOption, wordsOption, formatOption, jobsOption, checkOption, streamOption,
+                     morphemesOption, dictionaryOption});
   parser.addPositionalArgument(QStringLiteral("SENTENCE"),
                                QStringLiteral("Sentences (or words) to stem."),
                                QStringLiteral("[SENTENCE...]"));
@@ -97,8 +110,20 @@ ParseResult parseOptions(const QStringList& arguments) {
                           .arg(parser.value(jobsOption)));
   options.jobs = jobs != 0 ? jobs : std::max(1u, std::thread::hardware_concurrency());
   options.check = parser.isSet(checkOption);
-  if (options.check && (parser.isSet(wordsOption) || parser.isSet(formatOption) ||
-                        parser.isSet(jobsOption) || !parser.positionalArguments().isEmpty()))
+  options.morphemes = parser.isSet(morphemesOption);
+  options.dictionary = parser.value(dictionaryOption).toStdString();
+  if (options.morphemes && options.language != "jpj")
+    return usageError(QStringLiteral("--morphemes needs --lang jpj"));
+  if (parser.isSet(dictionaryOption) && !options.morphemes)
+    return usageError(QStringLiteral("--dictionary needs --morphemes"));
+  if (options.morphemes && options.words)
+    return usageError(QStringLiteral("--morphemes cuts sentences; it takes no --words"));
+  if (!ZQ::Dialog::corpus::MorphemeDictionary::knownName(options.dictionary))
+    return usageError(QStringLiteral("unknown dictionary '%1': expected ipadic or unidic")
+                          .arg(parser.value(dictionaryOption)));
+  if (options.check &&
+      (parser.isSet(wordsOption) || parser.isSet(formatOption) || parser.isSet(jobsOption) ||
+       options.morphemes || !parser.positionalArguments().isEmpty()))
     return usageError(QStringLiteral("--check takes no other option but --lang"));
   for (const QString& input : parser.positionalArguments())
     options.inputs.push_back(input.toStdString());
@@ -108,7 +133,8 @@ ParseResult parseOptions(const QStringList& arguments) {
     if (options.streamAlgorithm.empty())
       return usageError(QStringLiteral("--stream needs an algorithm"));
     if (parser.isSet(langOption) || options.words || !options.inputs.empty() ||
-        parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check)
+        parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check ||
+        options.morphemes)
       return usageError(
           QStringLiteral("--stream reads standard input only and takes no other option"));
   }

@@ -8,7 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -16,11 +18,14 @@
 #include <vector>
 
 #include "corpus/line_stemmer.hpp"
+#include "corpus/morphemes.hpp"
 #include "input_blocks.hpp"
 
 namespace {
 
 using dialog_corpus::LineStemmer;
+using ZQ::Dialog::corpus::MorphemeDictionary;
+using ZQ::Dialog::corpus::MorphemeStemmer;
 
 // Output is handed to standard output in pieces of about this size, also
 // inside one long line, so that a huge line never has its whole result in memory.
@@ -43,12 +48,67 @@ void writeAndFlush(std::string& text) {
   text.clear();
 }
 
-// A LineStemmer whose output goes to standard output whenever kDrainBytes gathered.
-void drainToStdout(LineStemmer& lines) { lines.setDrain(kDrainBytes, writeAndFlush); }
+// What the threads stem with: the library's elements through LineStemmers,
+// which share the stems of all threads when there are several.
+class LineWork {
+ public:
+  using Worker = LineStemmer;
+  LineWork(ZQ::Dialog::Stemmer& stemmer, const Options& options, bool shared)
+      : stemmer_(stemmer), options_(options) {
+    if (shared) shared_.emplace(stemmer.impl);
+  }
+  std::unique_ptr<LineStemmer> worker() {
+    auto lines = std::make_unique<LineStemmer>(stemmer_);
+    if (shared_) lines->share(&*shared_);
+    return lines;
+  }
+  void stemRecord(LineStemmer& lines, const std::string& line, std::string& out) {
+    lines.stemRecord(line, options_.format, options_.words, out);
+  }
+  void stemText(LineStemmer& lines, std::string_view text, std::string& out) {
+    lines.stemText(text, options_.format, options_.words, out);
+  }
+
+ private:
+  ZQ::Dialog::Stemmer& stemmer_;
+  const Options& options_;
+  std::optional<dialog_corpus::SharedStems> shared_;  // each word goes to the library once
+};
+
+// Japanese base forms: one MorphemeStemmer (tagger and lattice) per thread,
+// all on one dictionary.
+class MorphemeWork {
+ public:
+  using Worker = MorphemeStemmer;
+  MorphemeWork(std::shared_ptr<const MorphemeDictionary> dictionary, const Options& options)
+      : dictionary_(std::move(dictionary)), options_(options) {}
+  std::unique_ptr<MorphemeStemmer> worker() {
+    return std::make_unique<MorphemeStemmer>(dictionary_);
+  }
+  void stemRecord(MorphemeStemmer& morphemes, const std::string& line, std::string& out) {
+    morphemes.stemRecord(line, options_.format, out);
+  }
+  void stemText(MorphemeStemmer& morphemes, std::string_view text, std::string& out) {
+    morphemes.stemText(text, options_.format, out);
+  }
+
+ private:
+  std::shared_ptr<const MorphemeDictionary> dictionary_;
+  const Options& options_;
+};
+
+// A worker whose output goes to standard output whenever kDrainBytes gathered.
+template <typename Work>
+std::unique_ptr<typename Work::Worker> drainingWorker(Work& work) {
+  auto worker = work.worker();
+  worker->setDrain(kDrainBytes, writeAndFlush);
+  return worker;
+}
 
 // SENTENCE arguments: each is one line; a '\r' at its end is dropped.
-int stemArguments(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
-  LineStemmer lines(stemmer);
+template <typename Work>
+int stemArguments(Work& work, const Options& options) {
+  const auto worker = work.worker();
   std::string out;
   std::size_t number = 0;
   for (std::string line : options.inputs) {
@@ -57,18 +117,18 @@ int stemArguments(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
       writeOut(out.data(), out.size());
       return lineTooLong(number);
     }
-    lines.stemRecord(line, options.format, options.words, out);
+    work.stemRecord(*worker, line, out);
   }
   writeOut(out.data(), out.size());
   return 0;
 }
 
-void stemSerially(ZQ::Dialog::Stemmer& stemmer, const Options& options, InputBlocks& input) {
-  LineStemmer lines(stemmer);
-  drainToStdout(lines);
+template <typename Work>
+void stemSerially(Work& work, InputBlocks& input) {
+  const auto worker = drainingWorker(work);
   std::string block, out;
   while (input.next(block)) {
-    lines.stemText(block, options.format, options.words, out);
+    work.stemText(*worker, block, out);
     writeAndFlush(out);
   }
 }
@@ -78,14 +138,10 @@ void stemSerially(ZQ::Dialog::Stemmer& stemmer, const Options& options, InputBlo
 // stemmed writes it and every stemmed block after it, so output keeps the
 // input's order. No thread only reads: on two cores a third thread would take
 // turns with the two that stem.
+template <typename Work>
 class Parallel {
  public:
-  Parallel(ZQ::Dialog::Stemmer& stemmer, const Options& options, unsigned jobs)
-      : stemmer_(stemmer),
-        options_(options),
-        jobs_(jobs),
-        slots_(std::size_t{2} * jobs),
-        shared_(stemmer.impl) {}
+  Parallel(Work& work, unsigned jobs) : work_(work), jobs_(jobs), slots_(std::size_t{2} * jobs) {}
 
   // Reads and stems all of `input`; rethrows the first failure of any thread.
   void run(InputBlocks& input) {
@@ -146,24 +202,20 @@ class Parallel {
       changed_.wait(lock, [&] { return error_ || written_ == read_; });
       if (error_) return false;
     }
-    LineStemmer lines(stemmer_);
-    lines.share(&shared_);
-    drainToStdout(lines);
     std::string out;
-    lines.stemText(block, options_.format, options_.words, out);
+    work_.stemText(*drainingWorker(work_), block, out);
     writeAndFlush(out);
     return true;
   }
 
   void work(InputBlocks& input) {
     try {
-      LineStemmer lines(stemmer_);
-      lines.share(&shared_);
+      const auto worker = work_.worker();
       // Stemmed into a string of this thread's own: appending to one inside
       // the shared slots would keep its cache line moving between cores.
       std::string out;
       for (Slot* slot; take(input, slot);) {
-        lines.stemText(slot->in, options_.format, options_.words, out);
+        work_.stemText(*worker, slot->in, out);
         std::unique_lock<std::mutex> lock(mutex_);
         slot->out.swap(out);
         slot->stemmed = true;
@@ -184,13 +236,11 @@ class Parallel {
     }
   }
 
-  ZQ::Dialog::Stemmer& stemmer_;
-  const Options& options_;
+  Work& work_;
   unsigned jobs_;
-  std::vector<Slot> slots_;            // block n lives in slot n % size until written
-  dialog_corpus::SharedStems shared_;  // each word goes to the library once
-  std::mutex reading_;                 // held by the thread reading a block
-  std::mutex mutex_;                   // guards what follows and the slots' flags
+  std::vector<Slot> slots_;  // block n lives in slot n % size until written
+  std::mutex reading_;       // held by the thread reading a block
+  std::mutex mutex_;         // guards what follows and the slots' flags
   std::condition_variable changed_;
   std::size_t read_ = 0, written_ = 0;  // blocks so far
   bool writing_ = false;                // a thread is writing blocks
@@ -212,16 +262,15 @@ void writeOut(const char* bytes, std::size_t size) {
 
 namespace {
 
-// Stems standard input; returns the exit status.
-int stemInput(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
-  // The Japanese morpheme path serves one caller at a time.
-  const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
+// Stems standard input with `jobs` threads; returns the exit status.
+template <typename Work>
+int stemInput(Work& work, unsigned jobs) {
   InputBlocks input(STDIN_FILENO, kMaxLineBytes);
   try {
     if (jobs <= 1) {
-      stemSerially(stemmer, options, input);
+      stemSerially(work, input);
     } else {
-      Parallel parallel(stemmer, options, jobs);
+      Parallel<Work> parallel(work, jobs);
       parallel.run(input);
     }
   } catch (const std::system_error& error) {
@@ -231,13 +280,25 @@ int stemInput(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
   return input.tooLong() ? lineTooLong(input.tooLong()) : 0;
 }
 
-}  // namespace
-
-int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
-  const int status =
-      options.inputs.empty() ? stemInput(stemmer, options) : stemArguments(stemmer, options);
-  // What stdio still holds is written here: a short output fails only now.
+// What stdio still holds is written here: a short output fails only now.
+int flushedStatus(int status) {
   if (status == 0 && (std::fflush(stdout) != 0 || std::ferror(stdout)))
     fail("cannot write standard output");
   return status;
+}
+
+}  // namespace
+
+int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
+  // The library's Japanese tagger serves one caller at a time.
+  const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
+  LineWork work(stemmer, options, jobs > 1);
+  return flushedStatus(options.inputs.empty() ? stemInput(work, jobs)
+                                              : stemArguments(work, options));
+}
+
+int runMorphemes(std::shared_ptr<const MorphemeDictionary> dictionary, const Options& options) {
+  MorphemeWork work(std::move(dictionary), options);
+  return flushedStatus(options.inputs.empty() ? stemInput(work, options.jobs)
+                                              : stemArguments(work, options));
 }

@@ -1,6 +1,9 @@
 #ifndef DIALOG_STEM_RUN_HPP
 #define DIALOG_STEM_RUN_HPP
 
+#include <memory>
+
+#include "corpus/morphemes.hpp"
 #include "options.hpp"
 #include "stemmer/stemmer.hpp"
 
@@ -12,6 +15,11 @@
 // a failed write or read, or a line over kMaxLineBytes, has printed its
 // one-line error after writing every line before it. Throws std::bad_alloc.
 int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options);
+
+// The same for --morphemes: the elements of MorphemeStemmers on `dictionary`,
+// one per thread, with `options.jobs` threads.
+int runMorphemes(std::shared_ptr<const ZQ::Dialog::corpus::MorphemeDictionary> dictionary,
+                 const Options& options);
 
 // The longest line stemmed: the library's text holds at most 2^30 UTF-16 units.
 constexpr std::size_t kMaxLineBytes = std::size_t{1} << 30;
