@@ -234,7 +234,8 @@ the morpheme settings: each unpickled copy builds its own.)doc");
       .def("__repr__", [](const StemmerSelf& self) {
         if (!isBuilt(self)) return std::string("<dialog_stemmer.Stemmer, not initialised>");
         const PyStemmer& stemmer = live(self);
-        std::string text = "dialog_stemmer.Stemmer(" + py::repr(py::str(stemmer.language())).cast<std::string>();
+        std::string text =
+            "dialog_stemmer.Stemmer(" + py::repr(py::str(stemmer.language())).cast<std::string>();
         if (stemmer.morphemes())
           text += ", morphemes=True, dictionary=" +
                   py::repr(py::str(stemmer.dictionaryName())).cast<std::string>();

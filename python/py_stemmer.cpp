@@ -125,7 +125,8 @@ std::shared_ptr<const MorphemeDictionary> openDictionary(const std::string& name
     dictionary = MorphemeDictionary::open(name, error);
   }
   if (!dictionary) {
-    PyErr_SetString(directory.empty() ? PyExc_FileNotFoundError : PyExc_RuntimeError, error.c_str());
+    PyErr_SetString(directory.empty() ? PyExc_FileNotFoundError : PyExc_RuntimeError,
+                    error.c_str());
     throw py::error_already_set();
   }
   opened[directory] = dictionary;
@@ -266,7 +267,8 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
 
 py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format, bool words) const {
   const dialog_corpus::Format parsed = parseFormat(format);
-  if (words && morphemes()) throw py::value_error("words=True has no morpheme mode: stem the lines");
+  if (words && morphemes())
+    throw py::value_error("words=True has no morpheme mode: stem the lines");
   const ByteView input(data);
   std::string out;
   const Lease workspace(*this);
@@ -277,7 +279,8 @@ py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format,
     if (auto* morphemes = std::get_if<MorphemeStemmer>(&workspace->stemmer))
       morphemes->stemText(input.text(), parsed, out);
     else
-      std::get<dialog_corpus::LineStemmer>(workspace->stemmer).stemText(input.text(), parsed, words, out);
+      std::get<dialog_corpus::LineStemmer>(workspace->stemmer)
+          .stemText(input.text(), parsed, words, out);
   }
   return py::bytes(out);
 }

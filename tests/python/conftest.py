@@ -15,7 +15,7 @@ CHARS = ("DEFAULT 0 1 0\nSPACE 0 1 0\nKANJI 0 0 2\nHIRAGANA 1 1 0\n0x0020 SPACE\
 
 def _unidic(surface, pos, lemma, base, extra=""):
     """A UniDic entry (29 features): lemma (語彙素) is f[7], orthBase f[10]."""
-    features = [*pos.split(","), "*", lemma, surface, "*", base] + ["*"] * 17 + ["1"]
+    features = [*pos.split(","), "*", "*", lemma, surface, "*", base] + ["*"] * 17 + ["1"]
     return ",".join([surface, "0", "0", "100", *features]) + "\n"
 
 
