@@ -105,9 +105,18 @@ stems=$("$root/usr/bin/dialog-stem" --format tsv "the children went home")
 for lang in enu frf jpj; do
   "$root/usr/bin/dialog-stem" --lang $lang --check >"$work/check.txt" 2>&1 || { cat "$work/check.txt"; fail "--check $lang"; }
 done
-if [ -z "$root" ] && [[ " ${present[*]} " == *" dialog-stemmer-data-jpj-unidic "* ]]; then
-  [ -f /usr/share/dialog/data/unidic/sys.dic ] || fail "/usr/share/dialog/data/unidic does not lead to UniDic"
-fi
+# The morpheme mode on each installed dictionary, in the tool and the module
+# (unpacked, the data is looked for under the throwaway root).
+dictionaries=(ipadic)
+if [ -z "$root" ] && [[ " ${present[*]} " == *" dialog-stemmer-data-jpj-unidic "* ]]; then dictionaries+=(unidic); fi
+for dictionary in "${dictionaries[@]}"; do
+  got=$(KU_PREFIX_PATH="$root/usr" "$root/usr/bin/dialog-stem" --lang jpj --morphemes --dictionary $dictionary \
+    --format tsv 猫が走った) || fail "dialog-stem --morphemes --dictionary $dictionary failed"
+  [ "$got" = "$(printf '猫\tが\t走る\tた')" ] || fail "dialog-stem --morphemes --dictionary $dictionary gave: $got"
+  KU_PREFIX_PATH="$root/usr" /usr/bin/python3 -c 'import dialog_stemmer as d, sys
+assert d.Stemmer("jpj", morphemes=True, dictionary=sys.argv[1]).stem_sentence("猫が走った") == ["猫", "が", "走る", "た"]' \
+    $dictionary || fail "the Python module's morpheme mode fails with $dictionary"
+done
 module=$(/usr/bin/python3 -c 'import dialog_stemmer as d; assert d.Stemmer("enu").stemword("went") == "go"
 print(d.__file__)') || fail "the Python module does not work"
 [[ $module == "$root/usr/lib/python3/dist-packages/"* ]] || fail "the module came from $module"
