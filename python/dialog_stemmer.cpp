@@ -187,7 +187,7 @@ the morpheme settings: each unpickled copy builds its own.)doc");
           py::arg("word"),
           "The lemma of `word`, or `word` unchanged when the lemma file does not list it.\n"
           "Text after a NUL character is ignored. Raises UnicodeEncodeError on a str\n"
-          "that is not valid Unicode (lone surrogates).")
+          "that is not valid Unicode (lone surrogates), ValueError in the morpheme mode.")
       .def(
           "stem_sentence",
           [](const StemmerSelf& self, const py::str& sentence) {
@@ -217,7 +217,8 @@ the morpheme settings: each unpickled copy builds its own.)doc");
           "for the lines of `data`, a bytes-like object: a line ends at b'\\n' or at the\n"
           "end, one b'\\r' before that is dropped, and bytes that are not UTF-8 give the\n"
           "tool's result (jsonl writes each as U+FFFD). Runs without the GIL. Raises\n"
-          "TypeError for a str, ValueError for a format other than 'lines', 'tsv', 'jsonl'.")
+          "TypeError for a str, ValueError for a format other than 'lines', 'tsv', 'jsonl'\n"
+          "and for words=True in the morpheme mode.")
       .def(py::pickle([](const StemmerSelf& self) { return arguments(live(self)); },
                       [](const py::tuple& state) {
                         if (state.size() == 1)

@@ -38,7 +38,7 @@ class PyStemmer {
   const std::string& dictionaryName() const { return dictionaryName_; }
 
   // The lemma of `word`, or `word` unchanged. TypeError for a non-str,
-  // UnicodeEncodeError for a lone surrogate.
+  // UnicodeEncodeError for a lone surrogate, ValueError in the morpheme mode.
   std::string stemword(const pybind11::str& word) const;
 
   // The list of stem_sentence's elements for `sentence`; raises as stemword.
@@ -51,7 +51,8 @@ class PyStemmer {
 
   // The bytes that dialog-stem --format `format` (--words with `words`)
   // writes for the lines of `data`, any bytes included. TypeError when `data`
-  // is not a contiguous bytes-like object, ValueError for an unknown format.
+  // is not a contiguous bytes-like object, ValueError for an unknown format
+  // and for `words` in the morpheme mode (the tool refuses --words there).
   pybind11::bytes stemText(const pybind11::handle& data, const std::string& format,
                            bool words) const;
 
