@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the test programs with ThreadSanitizer in ./build-tsan and runs the
-# test of shared use across threads, Concurrency.* (CMake preset "tsan").
+# tests of shared use across threads, Concurrency.* and MorphemeConcurrency.*
+# (CMake preset "tsan").
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset tsan "$@"

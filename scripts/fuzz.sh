@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-15}
 build=build-fuzz
 targets=(fuzz_lemma_file fuzz_sentences fuzz_stem_stream fuzz_morphemes fuzz_segmenter_files
-  fuzz_find_data fuzz_tool_options fuzz_fast_sentences)
+  fuzz_find_data fuzz_tool_options fuzz_fast_sentences fuzz_morpheme_mode)
 
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j"$(nproc)"

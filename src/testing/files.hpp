@@ -84,12 +84,13 @@ class DataRoot {
                     bool user = false) const {
     return writeFile(share(user) + relative, contents);
   }
-  // Links "data/ipadic" of package "dialog" (in the user data directory with
+  // Links "data/<name>" of package "dialog" (in the user data directory with
   // `user`) to `dir`; returns the path the lookup gives.
-  std::string linkDictionary(const std::string& dir, bool user = false) const {
+  std::string linkDictionary(const std::string& dir, bool user = false,
+                             const std::string& name = "ipadic") const {
     std::filesystem::create_directories(share(user) + "data");
-    std::filesystem::create_directory_symlink(dir, share(user) + "data/ipadic");
-    return share(user) + "data/ipadic/";
+    std::filesystem::create_directory_symlink(dir, share(user) + "data/" + name);
+    return share(user) + "data/" + name + "/";
   }
   const std::string& path() const { return prefix_; }
 

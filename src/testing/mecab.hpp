@@ -31,10 +31,16 @@ TaggerPtr openMecab(const std::string& dir);
 // MeCab's error text for a model opened with `rcfile` and `dicdir`.
 std::string mecabError(const std::string& rcfile, const std::string& dicdir);
 
-// Copies a tiny compiled dictionary ("dicrc", "unk.dic", "char.bin",
-// "sys.dic", "matrix.bin") into `dir`: 猫, が, 走っ (base form 走る) and た.
-// Throws when mecab-dict-index is missing or fails.
-void installDictionary(const std::string& dir);
+// The feature layouts of the tiny dictionaries.
+enum class Layout {
+  kIpadic,  // 猫, が, 走っ (base form 走る), た, ネコ (base form "*")
+  kUnidic,  // 29 fields: 走っ 走る, し 為る, ウイルス (a gloss), 東京 (proper noun),
+            // ， (punctuation), ２ (numeral), CD (Latin), 猫 (lexeme "*")
+  kOther,   // 7 fields: 猫
+};
+// Copies a tiny compiled dictionary of `layout` ("dicrc", "unk.dic", "char.bin",
+// "sys.dic", "matrix.bin") into `dir`. Throws when mecab-dict-index is missing or fails.
+void installDictionary(const std::string& dir, Layout layout = Layout::kIpadic);
 // Copies a compiled user dictionary (one word, 犬) to the file `path`.
 void installUserDictionary(const std::string& path);
 

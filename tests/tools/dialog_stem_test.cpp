@@ -106,12 +106,31 @@ TEST_F(DialogStem, Outputs) {
 }
 
 TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
-  for (const char* args :
-       {"--lang xx", "--format xml", "--jobs -1", "--jobs 1025", "--jobs x", "--bogus", "--lang",
-        "--check --words", "--check --jobs 1", "--check --format tsv", "--check x",
-        "--stream nosuch", "--stream", "--stream english --words", "--stream english text",
-        "--stream english --lang enu", "--stream english --format tsv", "--stream english --jobs 1",
-        "--stream english --check"}) {
+  for (const char* args : {"--lang xx",
+                           "--format xml",
+                           "--jobs -1",
+                           "--jobs 1025",
+                           "--jobs x",
+                           "--bogus",
+                           "--lang",
+                           "--check --words",
+                           "--check --jobs 1",
+                           "--check --format tsv",
+                           "--check x",
+                           "--stream nosuch",
+                           "--stream",
+                           "--stream english --words",
+                           "--stream english text",
+                           "--stream english --lang enu",
+                           "--stream english --format tsv",
+                           "--stream english --jobs 1",
+                           "--stream english --check",
+                           "--morphemes",
+                           "--lang frf --morphemes",
+                           "--dictionary ipadic",
+                           "--lang jpj --morphemes --dictionary jumandic",
+                           "--lang jpj --morphemes --words",
+                           "--check --lang jpj --morphemes"}) {
     const Outcome r = run(split(args));
     EXPECT_EQ(r.status, 2) << args;
     EXPECT_EQ(r.out, "") << args;
@@ -157,7 +176,8 @@ TEST_F(DialogStem, StreamsClosedFullOrEndless) {
     EXPECT_EQ(r.err, row.err) << name;
   }
   const std::string help = run({"--help"}, "", "<fifo").out;  // names every option
-  for (const char* option : {"--lang", "--words", "--format", "--jobs", "--check", "--stream"})
+  for (const char* option : {"--lang", "--words", "--format", "--jobs", "--check", "--stream",
+                             "--morphemes", "--dictionary"})
     EXPECT_NE(help.find(option), std::string::npos) << option;
 }
 
@@ -207,7 +227,8 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
   const std::pair<const char*, std::string> rows[] = {
       {"enu", "lemma file " + share + "lemmatizer/enu/lemma: 4 pairs\n"},
       {"frf", "lemma file " + share + "lemmatizer/frf/lemma: 2 pairs\n"},
-      {"jpj", "dictionary directory " + share + "data/ipadic/: opens\n"}};
+      {"jpj",
+       "--morphemes --dictionary unidic: not found (Debian: dialog-stemmer-data-jpj-unidic)\n"}};
   for (const auto& [lang, last] : rows) {
     const Outcome r = run({"--check", "--lang", lang});
     EXPECT_EQ(r.status, 0) << lang;
@@ -225,6 +246,62 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
     EXPECT_NE(r.out.find("missing " + scratch_.path()), std::string::npos) << r.out;
     EXPECT_EQ(r.out.substr(r.out.size() - 12), ": not found\n") << r.out;
   }
+}
+
+TEST_F(DialogStem, MorphemesAnyInputAnyJobs) {
+  DIALOG_REQUIRE(dialog_test::Need::kDictionaryIndexer);
+  const std::string& dir = data_.path();
+  for (const auto& [name, layout] : {std::pair{"ipadic", dialog_test::Layout::kIpadic},
+                                     {"unidic", dialog_test::Layout::kUnidic}}) {
+    dialog_test::installDictionary(dir + "/" + name, layout);
+    data_.linkDictionary(dir + "/" + name, false, name);
+  }
+  EXPECT_EQ(run({"--lang", "jpj", "--morphemes", "猫が走った", "ネコ"}).out,
+            "猫\nが\n走る\nた\n\nネコ\n\n");
+  EXPECT_EQ(run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "--format", "tsv"},
+                "ウイルス，東京\n")
+                .out,
+            "ウイルス\t，\t東京\n");
+  // Bad bytes, empty and blank lines, CR and a line of 3 MB, over many blocks:
+  // one record a line, the same bytes on any number of threads.
+  static const char kFiveLines[] = "猫\r\n\n \t\n\xFF\x80猫\n猫\0が\r\rた\n";
+  std::string input, huge;
+  while (huge.size() < (3 << 20)) huge += "猫が走った";
+  for (int i = 0; i < 60000; ++i)
+    input += i == 30000 ? huge + "\n" : std::string(kFiveLines, sizeof kFiveLines - 1);
+  for (const char* format : {"tsv", "jsonl"}) {
+    const Outcome one = run({"--lang", "jpj", "--morphemes", "--format", format}, input);
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(std::count(one.out.begin(), one.out.end(), '\n'), 5 * 59999 + 1) << format;
+    for (const char* jobs : {"2", "3"})
+      EXPECT_EQ(
+          run({"--lang", "jpj", "--morphemes", "--format", format, "--jobs", jobs}, input).out,
+          one.out)
+          << jobs;
+  }
+  const Outcome checked = run({"--check", "--lang", "jpj"});
+  EXPECT_EQ(checked.status, 0);
+  for (const char* line :
+       {"ipadic: %ipadic/, ipadic layout\n", "unidic: %unidic/, UniDic layout\n"}) {
+    std::string expected = line;
+    expected.replace(expected.find('%'), 1, dir + "/share/dialog/data/");
+    EXPECT_NE(checked.out.find("--morphemes --dictionary " + expected), std::string::npos)
+        << checked.out;
+  }
+
+  // A dictionary missing or of a third layout: one line that names it, status 1.
+  std::filesystem::remove(dir + "/share/dialog/data/unidic");
+  Outcome r = run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "猫"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err.rfind("dialog-stem: dictionary unidic not found: ", 0), 0u) << r.err;
+  dialog_test::installDictionary(dir + "/other", dialog_test::Layout::kOther);
+  data_.linkDictionary(dir + "/other", false, "unidic");
+  r = run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "猫"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+  EXPECT_NE(r.err.find("dictionary unidic at "), std::string::npos) << r.err;
+  EXPECT_EQ(run({"--check", "--lang", "jpj"}).status, 1);
 }
 
 }  // namespace

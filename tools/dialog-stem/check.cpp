@@ -36,21 +36,27 @@ std::string showLookup(const std::string& relative) {
   return found;
 }
 
-// The dictionaries of --morphemes: 1 when one is there but unusable; a
-// missing unidic is no fault (it is an optional package).
-int checkMorphemeDictionaries() {
+// The dictionaries of --morphemes, ipadic's lookup shown already: 1 when one
+// is there but unusable; a missing unidic is no fault (an optional package).
+int checkMorphemeDictionaries(const std::string& ipadic) {
   int status = 0;
   for (const char* name : {"ipadic", "unidic"}) {
-    const std::string found = showLookup(std::string("data/") + name + "/");
+    const bool first = name == std::string("ipadic");
+    const std::string found = first ? ipadic : showLookup(std::string("data/") + name + "/");
     std::string error;
     const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(name, error);
     if (dictionary) {
       const bool unidic = dictionary->layout() == ZQ::Dialog::corpus::DictionaryLayout::kUnidic;
       std::printf("--morphemes --dictionary %s: %s, %s layout\n", name, found.c_str(),
                   unidic ? "UniDic" : "ipadic");
+    } else if (found.empty()) {
+      // Only unidic gets here: without ipadic the check has ended already.
+      std::printf(
+          "--morphemes --dictionary %s: not found (Debian: dialog-stemmer-data-jpj-unidic)\n",
+          name);
     } else {
       std::printf("--morphemes --dictionary %s: %s\n", name, error.c_str());
-      if (!found.empty()) status = 1;
+      status = 1;
     }
   }
   return status;
@@ -74,7 +80,7 @@ int runCheck(const std::string& language) {
     }
     std::printf("dictionary directory %s: %s\n", found.c_str(),
                 opens ? "opens" : "does not open (see the trail above)");
-    const int morphemes = checkMorphemeDictionaries();
+    const int morphemes = checkMorphemeDictionaries(found);
     return opens ? morphemes : 1;
   }
   if (const std::string problem = lemmaFileProblem(language); !problem.empty()) {
