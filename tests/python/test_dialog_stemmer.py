@@ -133,12 +133,19 @@ def test_japanese_trail_goes_to_stderr(capfd):
     assert japanese.stem_sentence("\u732b\u304c\u8d70\u3063\u305f") == ["\u732b\u304c\u8d70\u3063\u305f"]
 
 
-def test_pickling_builds_a_new_stemmer():
-    french = Stemmer("frf")  # protocols 0 and 1 aborted the interpreter
-    copies = [pickle.loads(pickle.dumps(french, p)) for p in range(pickle.HIGHEST_PROTOCOL + 1)]
-    for other in copies + [copy.copy(french), copy.deepcopy(french)]:
-        assert other is not french and other.language == "frf" and other.stemword("chevaux") == "cheval"
-    assert french.__reduce__() == french.__reduce_ex__(0) == (Stemmer, ("frf",))
+@pytest.mark.parametrize("arguments, sentence, stems", [
+    (("frf",), "chevaux", ["cheval"]),
+    (("jpj", True, "unidic"), "ぽんど", ["ポンド"]),  # the morpheme mode; ipadic gives the surface
+])
+def test_pickling_builds_a_new_stemmer(request, arguments, sentence, stems):
+    if len(arguments) > 1:
+        request.getfixturevalue("dictionaries")
+    original = Stemmer(*arguments)  # protocols 0 and 1 aborted the interpreter
+    copies = [pickle.loads(pickle.dumps(original, p)) for p in range(pickle.HIGHEST_PROTOCOL + 1)]
+    for other in copies + [copy.copy(original), copy.deepcopy(original)]:
+        assert other is not original and other.stem_sentence(sentence) == stems
+        assert (other.language, other.morphemes, other.dictionary) == (arguments + (False, None))[:3]
+    assert original.__reduce__() == original.__reduce_ex__(0) == (Stemmer, arguments)
 
 
 def test_threads_share_one_stemmer():
@@ -219,12 +226,3 @@ def test_bad_morpheme_modes_raise(dictionaries, compiled_dictionaries, links, ca
         call()
     assert word in str(raised.value) and "\n" not in str(raised.value)
 
-
-def test_pickling_keeps_the_morpheme_mode(dictionaries):
-    unidic = Stemmer("jpj", morphemes=True, dictionary="unidic")
-    copies = [pickle.loads(pickle.dumps(unidic, p)) for p in range(pickle.HIGHEST_PROTOCOL + 1)]
-    for other in copies + [copy.copy(unidic), copy.deepcopy(unidic)]:
-        assert (other.language, other.morphemes, other.dictionary) == ("jpj", True, "unidic")
-        assert other.stem_sentence("ぽんど") == ["ポンド"]  # ipadic gives the surface
-    assert unidic.__reduce__() == (Stemmer, ("jpj", True, "unidic"))
-    assert repr(unidic) == "dialog_stemmer.Stemmer('jpj', morphemes=True, dictionary='unidic')"
