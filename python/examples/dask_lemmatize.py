@@ -148,7 +148,7 @@ def main(argv):
     fs, path = url_to_fs(args.input)
     if not fs.isfile(path):
         sys.exit(f"dask_lemmatize.py: no such file: {args.input}")
-    if args.morphemes:  # a missing or unusable dictionary stops here, not in every task
+    if args.morphemes and not args.scheduler:  # a missing dictionary stops here, not in each task
         stemmer_for(args.settings)
     _, blocks = read_bytes(args.input, delimiter=b"\n", blocksize=args.blocksize, sample=False)
     blocks = blocks[0] if blocks else []
