@@ -1,6 +1,7 @@
 // Corpus stemming as dialog-stem does it: LineStemmer over the treebank text
 // beside a per-line stem_sentence loop, in this process and as programs; the
-// tool with two jobs beside one; the tool's peak memory on a 200 MB line.
+// tool with two jobs beside one; the tool's peak memory on a 200 MB line; the
+// Japanese morpheme mode beside MeCab's own program, on one and two jobs.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -24,6 +25,7 @@
 #include "corpus/line_stemmer.hpp"
 #include "testing/files.hpp"
 #include "testing/generated_data.hpp"
+#include "testing/mecab.hpp"
 
 extern char** environ;
 
@@ -225,6 +227,44 @@ void lineMemory(benchmark::State& state, const std::string& format) {
   state.counters["rss_per_line_byte"] =
       benchmark::Counter(ratio, benchmark::Counter::kAvgIterations);
 }
+
+// dialog-stem --lang jpj --morphemes with 1 ("1_job") or 2 jobs on 10 MB of everyday
+// sentences (repeated), or "mecab_command": MeCab's own program printing base
+// forms (-F '%f[6]\n' -U '%m\n' -E '\n') on the same IPA dictionary and its
+// dicrc. Wall time, start-up and dictionary included.
+void japanese(benchmark::State& state, const std::string& impl) {
+  if (auto why = dialog_test::missing(dialog_test::Need::kIpaDictionary); !why.empty())
+    return state.SkipWithError(why.c_str());
+  const char kMecab[] = "/usr/bin/mecab";
+  if (impl == "mecab_command" && !std::filesystem::exists(kMecab))
+    return state.SkipWithError("no /usr/bin/mecab (install mecab)");
+  static const std::string input = [] {
+    std::string text;
+    while (text.size() < (std::size_t{10} << 20))
+      for (const std::string& sentence : dialog_test::japaneseSentences()) text += sentence + "\n";
+    return dialog_test::processTempDir().write("japanese_10MB", text);
+  }();
+  const std::string dir = dialog_test::ipadicDir();
+  const dialog_test::DataRoot root;
+  root.linkDictionary(dir);
+  const std::vector<std::string> command =
+      impl == "mecab_command"
+          ? std::vector<std::string>{kMecab,     "-r", dir + "/dicrc", "-d", dir,  "-F",
+                                     "%f[6]\\n", "-U", "%m\\n",        "-E", "\\n"}
+          : std::vector<std::string>{DIALOG_STEM_PATH, "--lang", "jpj",
+                                     "--morphemes",    "--jobs", impl == "2_jobs" ? "2" : "1"};
+  long peak;
+  for (auto _ : state) {
+    const double seconds = runTool(command, input, peak);
+    if (seconds < 0) return state.SkipWithError("the program failed");
+    state.SetIterationTime(seconds);
+  }
+  state.SetBytesProcessed(
+      static_cast<std::int64_t>(state.iterations() * std::ifstream(input, std::ios::ate).tellg()));
+}
+// Two operations of the table: --jobs 2 against 1, the mode against MeCab's program.
+void jpjJobs(benchmark::State& state, const std::string& impl) { japanese(state, impl); }
+void jpjTool(benchmark::State& state, const std::string& impl) { japanese(state, impl); }
 #else
 void skip(benchmark::State& state) {
   state.SkipWithError("dialog-stem not built (configure with -DDIALOG_BUILD_TOOLS=ON)");
@@ -232,6 +272,8 @@ void skip(benchmark::State& state) {
 void tool(benchmark::State& state, const std::string&, const std::string&) { skip(state); }
 void jobs(benchmark::State& state, const std::string&, int) { skip(state); }
 void lineMemory(benchmark::State& state, const std::string&) { skip(state); }
+void jpjJobs(benchmark::State& state, const std::string&) { skip(state); }
+void jpjTool(benchmark::State& state, const std::string&) { skip(state); }
 #endif
 
 // Left unformatted: clang-format would put spaces around the slashes of names.
@@ -251,6 +293,10 @@ BENCHMARK_CAPTURE(jobs, enu/1_job, "enu", 1)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, frf/2_jobs, "frf", 2)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, frf/1_job, "frf", 1)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(lineMemory, 200MB_line/lines, "lines")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(jpjJobs, morphemes/2_jobs, "2_jobs")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(jpjJobs, morphemes/1_job, "1_job")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(jpjTool, morphemes/dialog_stem, "1_job")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(jpjTool, morphemes/mecab_command, "mecab_command")->UseManualTime()->Iterations(1);
 // clang-format on
 
 }  // namespace

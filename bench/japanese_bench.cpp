@@ -3,6 +3,7 @@
 // the morpheme walk over parseToNode, bare and through the library's base-form
 // path, in characters per second, on everyday sentences a dialog engine hears.
 
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include <libstemmer.h>
 #include <mecab.h>
 
+#include "corpus/morphemes.hpp"
 #include "stemmer/stemmer.hpp"
 #include "stemmer/stemmer_p.hpp"
 #include "testing/captured_output.hpp"
@@ -22,25 +24,7 @@ namespace {
 
 using namespace dialog_test;
 
-// Everyday sentences a dialog engine hears (greetings, requests, weather,
-// plans), separated by spaces, which Japanese text does not use.
-const std::vector<std::string> kSentences = splitPieces(
-    "おはようございます。 今日はとても良い天気ですね。 明日の天気はどうですか？ "
-    "駅までの道を教えてください。 このレストランの予約をお願いします。 "
-    "来週の月曜日に会議があります。 電車が遅れているので少し遅れます。 "
-    "昨日は友達と映画を見に行きました。 私は毎朝コーヒーを飲みます。 "
-    "日本語を勉強しています。 すみません、トイレはどこですか？ "
-    "この本はとても面白かったです。 週末は家族と買い物に行く予定です。 "
-    "音楽をかけてください。 目覚ましを七時にセットして。 "
-    "東京から大阪まで新幹線で二時間半かかります。 お腹が空いたので何か食べたいです。 "
-    "部屋の電気を消してもらえますか？ 彼女は来年の春に大学を卒業します。 "
-    "雨が降りそうだから傘を持って行きましょう。 "
-    "ありがとうございました。またよろしくお願いします。 "
-    "近くに美味しいラーメン屋はありますか？ 子供たちは公園で元気に遊んでいます。 "
-    "会社の近くに新しいカフェができました。 今夜は早く寝たいと思います。 "
-    "申し訳ありませんが、その日は都合が悪いです。 冷蔵庫に牛乳がまだ残っていますか？ "
-    "夏休みに北海道へ旅行するつもりです。 この漢字の読み方が分かりません。 "
-    "ちょっと待ってください、すぐに戻ります。");
+const std::vector<std::string>& kSentences = japaneseSentences();
 
 // Library or MeCab; what is freed between iterations is not timed.
 void jpjOpen(benchmark::State& state, bool library) {
@@ -100,12 +84,66 @@ void mecabWalk(benchmark::State& state, bool library) {
       static_cast<double>(state.iterations()) * chars, benchmark::Counter::kIsRate);
 }
 
+// dialog-stem --morphemes's work in this process (MorphemeStemmer::stemText,
+// format lines) against the bare walk that writes the same bytes: MeCab's own
+// tagger on the same directory, parseToNode per line, the 7th feature field or
+// the surface, one a line. CPU time, in characters per second.
+void morphemes(benchmark::State& state, bool mode) {
+  if (auto why = missing(Need::kIpaDictionary); !why.empty())
+    return state.SkipWithError(why.c_str());
+  const DataRoot root;
+  root.linkDictionary(ipadicDir());
+  std::string error;
+  const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open("ipadic", error);
+  const TaggerPtr tagger = openMecab(ipadicDir());
+  if (!dictionary || !tagger) return state.SkipWithError("no dictionary opened");
+  ZQ::Dialog::corpus::MorphemeStemmer stemmer(dictionary);
+  std::string text;
+  for (const std::string& sentence : kSentences) text += sentence + "\n";
+  const auto bare = [&](std::string& out) {
+    for (const std::string& sentence : kSentences) {
+      for (const MeCab::Node* node = tagger->parseToNode(sentence.data(), sentence.size()); node;
+           node = node->next) {
+        if (node->stat == MECAB_BOS_NODE || node->stat == MECAB_EOS_NODE) continue;
+        const char* field = node->feature;
+        for (int commas = 0; commas < 6 && field; ++commas)
+          if ((field = std::strchr(field, ','))) ++field;
+        const std::size_t length = field ? std::strcspn(field, ",") : 0;
+        if (node->stat == MECAB_UNK_NODE || length == 0 || (length == 1 && *field == '*'))
+          out.append(node->surface, node->length);
+        else
+          out.append(field, length);
+        out += '\n';
+      }
+      out += '\n';
+    }
+  };
+  std::string out, other;
+  bare(mode ? other : out);
+  stemmer.stemText(text, ZQ::Dialog::corpus::Format::Lines, mode ? out : other);
+  if (out != other) return state.SkipWithError("the two walks disagree");
+  for (auto _ : state) {
+    out.clear();
+    if (mode)
+      stemmer.stemText(text, ZQ::Dialog::corpus::Format::Lines, out);
+    else
+      bare(out);
+    benchmark::DoNotOptimize(out.data());
+  }
+  double chars = 0;
+  for (const char c : text) chars += (c & 0xC0) != 0x80;
+  state.counters["chars_per_second"] = benchmark::Counter(
+      static_cast<double>(state.iterations()) * chars, benchmark::Counter::kIsRate);
+}
+
 // Left unformatted: clang-format would put spaces around the slashes of names.
 // clang-format off
 BENCHMARK_CAPTURE(jpjOpen, ipadic/library, true)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(jpjOpen, ipadic/mecab_open, false)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(mecabWalk, ja/bare_walk, false);
 BENCHMARK_CAPTURE(mecabWalk, ja/library_morphemes, true);
+BENCHMARK_CAPTURE(morphemes, ipadic/morpheme_mode, true);
+BENCHMARK_CAPTURE(morphemes, ipadic/bare_walk, false);
 // clang-format on
 
 }  // namespace

@@ -80,6 +80,10 @@ const RealisticData& realisticData(const std::string& lang);
 // The language's treebank sentences, else 2000 generated ones.
 std::vector<std::string> realisticSentences(const std::string& lang);
 
+// 30 everyday Japanese sentences a dialog engine hears (greetings, requests,
+// weather, plans): the Japanese cases' text.
+const std::vector<std::string>& japaneseSentences();
+
 }  // namespace dialog_test
 
 #endif  // DIALOG_TESTING_GENERATED_DATA_HPP

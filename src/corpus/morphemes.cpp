@@ -94,6 +94,23 @@ std::string_view unidicElement(std::string_view surface, std::string_view featur
   return fields.at(kUnidicLexeme, field) && usable(field) ? withoutGloss(field) : surface;
 }
 
+// A UniDic numeral (数詞) written in digits, ASCII or full-width: UniDic gives
+// one morpheme a digit, where a number written so is one word.
+bool isDigitNumeral(std::string_view surface, std::string_view feature) {
+  std::string_view pos2;
+  if (surface.empty() || !Fields(feature).at(kUnidicPos2, pos2) || pos2 != "数詞") return false;
+  for (std::size_t i = 0; i < surface.size(); ++i) {
+    if (surface[i] >= '0' && surface[i] <= '9') continue;
+    // U+FF10 to U+FF19
+    if (surface.compare(i, 2, "\xEF\xBC") != 0 || i + 2 >= surface.size() ||
+        static_cast<unsigned char>(surface[i + 2]) < 0x90 ||
+        static_cast<unsigned char>(surface[i + 2]) > 0x99)
+      return false;
+    i += 2;
+  }
+  return true;
+}
+
 // Where a piece of at most `limit` bytes of `text` (longer than that) ends:
 // after the last sentence end or blank, else at the last character boundary.
 std::size_t pieceEnd(std::string_view text, std::size_t limit) {
@@ -147,13 +164,26 @@ void MorphemeStemmer::analyse(std::string_view piece, Use& use) {
   lattice_->set_sentence(piece.data(), piece.size());
   if (!tagger_->parse(lattice_)) return;
   const DictionaryLayout layout = dictionary_->layout();
+  // UniDic's digits of one number, adjacent in the piece, make one element.
+  std::string_view number;
   for (const MeCab::Node* node = lattice_->bos_node(); node; node = node->next) {
     if (node->stat == MECAB_BOS_NODE || node->stat == MECAB_EOS_NODE) continue;
     const std::string_view surface(node->surface, node->length);
-    if (isBlank(surface)) continue;
-    use(morphemeElement(layout, surface, node->feature ? node->feature : "",
-                        node->stat != MECAB_UNK_NODE));
+    const std::string_view feature = node->feature ? node->feature : "";
+    const bool known = node->stat != MECAB_UNK_NODE;
+    if (layout == DictionaryLayout::kUnidic && known && isDigitNumeral(surface, feature)) {
+      if (!number.empty() && number.data() + number.size() == surface.data()) {
+        number = std::string_view(number.data(), number.size() + surface.size());
+        continue;
+      }
+      if (!number.empty()) use(number);
+      number = surface;
+      continue;
+    }
+    if (!number.empty()) use(number), number = {};
+    if (!isBlank(surface)) use(morphemeElement(layout, surface, feature, known));
   }
+  if (!number.empty()) use(number);
 }
 
 template <typename Use>

@@ -58,6 +58,7 @@ TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
       {"proper noun: written base form", "unidic", "東京", {"東京"}},
       {"punctuation keeps surface", "unidic", "，", {"，"}},
       {"numeral keeps surface", "unidic", "２", {"２"}},
+      {"digits of one number: one element", "unidic", "２２ ２", {"２２", "２"}},
       {"Latin script keeps surface", "unidic", "CD", {"CD"}},
       {"lexeme '*': surface", "unidic", "猫", {"猫"}},
       {"unknown word: surface", "unidic", "犬", {"犬"}},

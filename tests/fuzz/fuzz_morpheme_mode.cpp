@@ -1,8 +1,11 @@
 // The morpheme mode against a bare parseToNode walk that applies the same rule
 // plainly: MeCab's own tagger, each feature record split whole into fields.
-// The first byte picks the dictionary: the system's IPA dictionary or the tiny
-// UniDic-layout one (with a quoted field), on arbitrary bytes.
+// The first byte picks the dictionary: the system's IPA dictionary, the tiny
+// UniDic-layout one (with a quoted field) or Debian's unidic-mecab when it is
+// installed, on arbitrary bytes.
+#include <cctype>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +55,23 @@ std::string plainElement(DictionaryLayout layout, const MeCab::Node& node) {
   return lexeme.substr(0, lexeme.find('-', 1));
 }
 
+// A UniDic numeral written in digits (ASCII or full-width).
+bool digitNumeral(DictionaryLayout layout, const MeCab::Node& node) {
+  const std::string surface(node.surface, node.length);
+  const std::vector<std::string> f = split(node.feature ? node.feature : "");
+  if (layout != DictionaryLayout::kUnidic || node.stat == MECAB_UNK_NODE || f.size() < 2 ||
+      f[1] != "数詞" || surface.empty())
+    return false;
+  for (std::size_t i = 0; i < surface.size(); ++i) {
+    if (std::isdigit(static_cast<unsigned char>(surface[i]))) continue;
+    if (surface.compare(i, 2, "\xEF\xBC") != 0 || i + 2 >= surface.size() ||
+        static_cast<unsigned char>(surface[i + 2]) - 0x90u >= 10)
+      return false;
+    i += 2;
+  }
+  return true;
+}
+
 bool blank(std::string_view text) {
   while (!text.empty())
     if (text.substr(0, 3) == "\xE3\x80\x80")
@@ -78,9 +98,15 @@ Side* setUp() {
   dialog_test::installDictionary(unidic, dialog_test::Layout::kUnidic);
   data.linkDictionary(dialog_test::ipadicDir());
   data.linkDictionary(unidic, false, "unidic");
-  static Side sides[2];
-  const char* names[] = {"ipadic", "unidic"};
-  for (int i = 0; i < 2; ++i) {
+  static const dialog_test::DataRoot debian;  // unidic-mecab, else the tiny one again
+  const std::string installed = "/var/lib/mecab/dic/unidic";
+  debian.linkDictionary(std::filesystem::exists(installed + "/sys.dic") ? installed : unidic, false,
+                        "unidic");
+  static Side sides[3];
+  const char* names[] = {"ipadic", "unidic", "unidic"};
+  for (int i = 0; i < 3; ++i) {
+    // The last prefix serves the last side; the first two are found before it.
+    const dialog_test::ScopedEnv prefix("KU_PREFIX_PATH", (i < 2 ? data : debian).path());
     std::string error;
     const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(names[i], error);
     dialog_test::check(dictionary != nullptr, "a dictionary does not open");
@@ -96,17 +122,23 @@ Side* setUp() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0 || size > 4096) return 0;  // MeCab's lattice grows with the sentence
   static Side* const sides = setUp();
-  const Side& side = sides[data[0] & 1];
+  const Side& side = sides[data[0] % 3];
   const DictionaryLayout layout =
-      data[0] & 1 ? DictionaryLayout::kUnidic : DictionaryLayout::kIpadic;
+      data[0] % 3 ? DictionaryLayout::kUnidic : DictionaryLayout::kIpadic;
   const std::string sentence(reinterpret_cast<const char*>(data) + 1, size - 1);
   std::vector<std::string> mode{"kept"}, plain{"kept"};
   side.mode->stemSentence(sentence, mode);
+  const char* numberEnd = nullptr;  // where the last digit numeral ended
   for (const MeCab::Node* node = side.tagger->parseToNode(sentence.data(), sentence.size()); node;
-       node = node->next)
-    if (node->stat != MECAB_BOS_NODE && node->stat != MECAB_EOS_NODE &&
-        !blank(std::string_view(node->surface, node->length)))
+       node = node->next) {
+    if (node->stat == MECAB_BOS_NODE || node->stat == MECAB_EOS_NODE) continue;
+    const bool digits = digitNumeral(layout, *node);
+    if (digits && numberEnd == node->surface)
+      plain.back().append(node->surface, node->length);
+    else if (digits || !blank(std::string_view(node->surface, node->length)))
       plain.push_back(plainElement(layout, *node));
+    numberEnd = digits ? node->surface + node->length : nullptr;
+  }
   dialog_test::check(mode == plain, "the mode differs from the bare walk");
   return 0;
 }
