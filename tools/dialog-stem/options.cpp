@@ -34,8 +34,9 @@ ParseResult parseOptions(const QStringList& arguments) {
   parser.setApplicationDescription(QStringLiteral(
       "Prints the normal forms of sentences or words. Without SENTENCE arguments, reads "
       "standard input line by line.\n"
-      "Exit status: 0 success; 1 failed write or read, memory exhausted, or --check found "
-      "no data; 2 bad usage. A closed output pipe ends the program quietly.\n"
+      "Exit status: 0 success; 1 failed write or read, memory exhausted, --check found "
+      "no data, or the dictionary of --morphemes is missing or unusable; 2 bad usage. A closed "
+      "output pipe ends the program quietly.\n"
       "Data: see --check, and the manual page dialog-stem(1)."));
   const QCommandLineOption helpOption = parser.addHelpOption();
   const QCommandLineOption versionOption = parser.addVersionOption();
