@@ -53,11 +53,11 @@ class DialogStem : public testing::Test {
     for (const std::string& arg : args) command += " " + quote(arg);
     command += (source.empty() ? " <in" : "") + std::string(" >out 2>err ") + redirect;
     const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, dialog_test::readFile(dir + "/out"),
-            dialog_test::readFile(dir + "/err")};
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ZQ::Dialog::testing::readFile(dir + "/out"),
+            ZQ::Dialog::testing::readFile(dir + "/err")};
   }
-  dialog_test::DataRoot data_;
-  dialog_test::TempDir scratch_;
+  ZQ::Dialog::testing::DataRoot data_;
+  ZQ::Dialog::testing::TempDir scratch_;
 };
 
 TEST_F(DialogStem, Outputs) {
@@ -200,9 +200,9 @@ TEST_F(DialogStem, AnswersEachLineBeforeMoreInputComes) {
 }
 
 TEST_F(DialogStem, CheckTellsWhereDataIs) {
-  DIALOG_REQUIRE(dialog_test::Need::kDictionaryIndexer);
+  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
   const std::string share = data_.path() + "/share/dialog/";
-  dialog_test::installDictionary(data_.path() + "/tiny");
+  ZQ::Dialog::testing::installDictionary(data_.path() + "/tiny");
   data_.linkDictionary(data_.path() + "/tiny");
   const std::pair<const char*, std::string> rows[] = {
       {"enu", "lemma file " + share + "lemmatizer/enu/lemma: 4 pairs\n"},
@@ -214,7 +214,7 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
     EXPECT_NE(r.out.find("  found   " + share), std::string::npos) << r.out;
     EXPECT_EQ(r.out.substr(r.out.rfind('\n', r.out.size() - 2) + 1), last) << r.out;
   }
-  const dialog_test::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
+  const ZQ::Dialog::testing::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
   Outcome r = run({"went"});  // without data the words come back, with a warning
   EXPECT_EQ(r.out, "went\n\n");
   EXPECT_EQ(r.status, 0);
