@@ -223,6 +223,8 @@ TEST_F(Stemming, CallersPatternIsHonoured) {
   const QRegExp saved = ZQ::Dialog::rx;
   ZQ::Dialog::rx.setPattern(QStringLiteral("o"));
   EXPECT_EQ(run(en_, "don't dogs"), (Stems{"d", "n't d", "gs"}));
+  // Each empty part (first, between two matches, last) is an element too.
+  EXPECT_EQ(run(en_, "oo dogo"), (Stems{"EMPTY", "EMPTY", " d", "g", "EMPTY"}));
   ZQ::Dialog::rx = saved;
   EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
 }
