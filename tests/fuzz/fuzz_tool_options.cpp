@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static char name[] = "dialog-stem";
   static char* argv[] = {name, nullptr};
   static const QCoreApplication app(argc, argv);  // the help text names the application
-  const ParseResult r = parseOptions(
+  const ZQ::Dialog::tool::ParseResult r = ZQ::Dialog::tool::parseOptions(
       QStringList{QStringLiteral("dialog-stem")} +
       QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size)).split('\n'));
   const std::string& lang = r.options.language;
