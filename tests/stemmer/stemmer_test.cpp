@@ -222,11 +222,13 @@ TEST_F(Stemming, RegexSplitCutsAtSpacesAndApostrophes) {
 TEST_F(Stemming, CallersPatternIsHonoured) {
   const QRegExp saved = ZQ::Dialog::rx;
   ZQ::Dialog::rx.setPattern(QStringLiteral("o"));
+  EXPECT_FALSE(ZQ::Dialog::splitsAtSpaceAndApostrophe(en_));  // the front ends' fast path is off
   EXPECT_EQ(run(en_, "don't dogs"), (Stems{"d", "n't d", "gs"}));
   // Each empty part (first, between two matches, last) is an element too.
   EXPECT_EQ(run(en_, "oo dogo"), (Stems{"EMPTY", "EMPTY", " d", "g", "EMPTY"}));
   ZQ::Dialog::rx = saved;
   EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
+  EXPECT_TRUE(ZQ::Dialog::splitsAtSpaceAndApostrophe(en_));
 }
 
 TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
@@ -240,8 +242,11 @@ TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
     std::string word = "went", result;
     stemmer.stemword(word, result);
     EXPECT_EQ(result, "went") << code;
+    EXPECT_EQ(ZQ::Dialog::sentenceSplit(stemmer), ZQ::Dialog::SentenceSplit::kWhole) << code;
   }
   en_.impl->stemmer = nullptr;  // as when the Snowball stemmer could not be created
+  EXPECT_EQ(ZQ::Dialog::sentenceSplit(en_), ZQ::Dialog::SentenceSplit::kSpaces);
+  EXPECT_FALSE(ZQ::Dialog::splitsAtSpaceAndApostrophe(en_));
   EXPECT_EQ(run(en_, "  dogs   don't\tx  "), (Stems{"dogs", "don't\tx"}));  // no lookup
   EXPECT_EQ(run(en_, "   "), Stems{});
   EXPECT_EQ(run(en_, std::string("a\0b c", 5)), (Stems{std::string("a\0b", 3), "c"}));
@@ -254,6 +259,7 @@ TEST_F(Stemming, MorphemePathYieldsBaseForms) {
       ZQ::Dialog::testing::openMecab(ZQ::Dialog::testing::ipadicDir());
   ASSERT_NE(tagger, nullptr) << MeCab::getTaggerError();
   en_.impl->lang = 0, en_.impl->tagger = tagger.get();
+  EXPECT_EQ(ZQ::Dialog::sentenceSplit(en_), ZQ::Dialog::SentenceSplit::kMorphemes);
   EXPECT_EQ(run(en_, "猫が走った"), (Stems{"猫", "が", "走る", "た"}));
   EXPECT_EQ(run(en_, "", {"kept"}), (Stems{"kept"}));            // only begin and end nodes
   EXPECT_EQ(run(en_, "Zyxwvq"), (Stems{"*"}));                   // unknown words keep "*"
