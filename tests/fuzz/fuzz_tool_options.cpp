@@ -19,6 +19,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
           ((lang == "enu" || lang == "frf" || lang == "jpj") && r.options.jobs >= 1 &&
            r.options.jobs <= 1024 && r.output.empty() && r.error.empty()),
       "bad options accepted");
+  ZQ::Dialog::testing::check(
+      r.exitStatus != -1 || !r.options.morphemes ||
+          (lang == "jpj" && !r.options.words &&
+           (r.options.dictionary == "ipadic" || r.options.dictionary == "unidic")),
+      "bad --morphemes accepted");
   ZQ::Dialog::testing::check(r.exitStatus != 0 || (!r.output.empty() && r.error.empty()),
                              "help text");
   ZQ::Dialog::testing::check(r.exitStatus != 2 || (r.error.rfind("dialog-stem: ", 0) == 0 &&

@@ -112,12 +112,31 @@ TEST_F(DialogStem, Outputs) {
 TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
   // Quoted arguments with line ends still give one line.
   std::vector<Args> cases = {{"--lang", "e\nn\ru"}, {"--bogus\nx"}};
-  for (const char* args :
-       {"--lang xx", "--format xml", "--jobs -1", "--jobs 1025", "--jobs x", "--bogus", "--lang",
-        "--check --words", "--check --jobs 1", "--check --format tsv", "--check x",
-        "--stream nosuch", "--stream", "--stream english --words", "--stream english text",
-        "--stream english --lang enu", "--stream english --format tsv", "--stream english --jobs 1",
-        "--stream english --check"})
+  for (const char* args : {"--lang xx",
+                           "--format xml",
+                           "--jobs -1",
+                           "--jobs 1025",
+                           "--jobs x",
+                           "--bogus",
+                           "--lang",
+                           "--check --words",
+                           "--check --jobs 1",
+                           "--check --format tsv",
+                           "--check x",
+                           "--stream nosuch",
+                           "--stream",
+                           "--stream english --words",
+                           "--stream english text",
+                           "--stream english --lang enu",
+                           "--stream english --format tsv",
+                           "--stream english --jobs 1",
+                           "--stream english --check",
+                           "--morphemes",
+                           "--lang frf --morphemes",
+                           "--dictionary ipadic",
+                           "--lang jpj --morphemes --dictionary jumandic",
+                           "--lang jpj --morphemes --words",
+                           "--check --lang jpj --morphemes"})
     cases.push_back(split(args));
   for (const Args& args : cases) {
     const Outcome r = run(args);
