@@ -22,7 +22,7 @@
 
 namespace {
 
-using namespace dialog_test;
+using namespace ZQ::Dialog::testing;
 
 const std::vector<std::string>& kSentences = japaneseSentences();
 

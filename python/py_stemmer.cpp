@@ -7,10 +7,11 @@
 #include <variant>
 #include <vector>
 
-#include "check.hpp"
+#include "corpus/check.hpp"
 #include "corpus/line_stemmer.hpp"
+#include "corpus/stdout_to_stderr.hpp"
 #include "ku/path.hpp"
-#include "stdout_to_stderr.hpp"
+#include "stemmer/internals.hpp"
 
 namespace py = pybind11;
 
@@ -61,10 +62,10 @@ std::string_view utf8View(py::handle text) {
   return {data, static_cast<std::size_t>(size)};
 }
 
-dialog_corpus::Format parseFormat(const std::string& name) {
-  if (name == "lines") return dialog_corpus::Format::Lines;
-  if (name == "tsv") return dialog_corpus::Format::Tsv;
-  if (name == "jsonl") return dialog_corpus::Format::Jsonl;
+ZQ::Dialog::corpus::Format parseFormat(const std::string& name) {
+  if (name == "lines") return ZQ::Dialog::corpus::Format::Lines;
+  if (name == "tsv") return ZQ::Dialog::corpus::Format::Tsv;
+  if (name == "jsonl") return ZQ::Dialog::corpus::Format::Jsonl;
   throw py::value_error("unknown format '" + name + "': expected 'lines', 'tsv' or 'jsonl'");
 }
 
@@ -91,9 +92,9 @@ class ByteView {
 // The tool's warning, through logging, when the lemma file gives no words.
 void warnWithoutLemmas(const std::string& language) {
   if (language != "enu" && language != "frf") return;
-  std::string problem = lemmaFileProblem(language);
+  std::string problem = ZQ::Dialog::corpus::lemmaFileProblem(language);
   if (problem.empty()) return;
-  const std::string relative = "lemmatizer/" + language + "/lemma";
+  const std::string relative = ZQ::Dialog::lemmaDataPath(language);
   if (ku::path::findData("dialog", relative, false).empty()) {
     std::string places;
     for (const std::string& candidate : ku::path::dataCandidates("dialog", relative, false))
@@ -139,7 +140,7 @@ std::shared_ptr<const MorphemeDictionary> openDictionary(const std::string& name
 // the GIL) and a StrCache (used with it), keeping their caches from call to call.
 struct Workspace {
   explicit Workspace(ZQ::Dialog::Stemmer& stemmer)
-      : stemmer(std::in_place_type<dialog_corpus::LineStemmer>, stemmer) {}
+      : stemmer(std::in_place_type<ZQ::Dialog::corpus::LineStemmer>, stemmer) {}
   explicit Workspace(std::shared_ptr<const MorphemeDictionary> dictionary)
       : stemmer(std::in_place_type<MorphemeStemmer>, std::move(dictionary)) {}
   // Calls `use(stemmer)` with the stemmer of this workspace.
@@ -147,7 +148,7 @@ struct Workspace {
   void with(Use&& use) {
     std::visit(use, stemmer);
   }
-  std::variant<dialog_corpus::LineStemmer, MorphemeStemmer> stemmer;
+  std::variant<ZQ::Dialog::corpus::LineStemmer, MorphemeStemmer> stemmer;
   StrCache strs;
 };
 
@@ -197,7 +198,7 @@ PyStemmer::PyStemmer(const py::str& code, bool morphemes, const py::object& dict
       throw py::value_error("dictionary= needs morphemes=True: the library's stemmers use none");
     if (language_ == "jpj") {
       // The segmenter writes its progress to C's stdout while it opens.
-      const StdoutToStderr guard;
+      const ZQ::Dialog::corpus::StdoutToStderr guard;
       stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
     } else {
       stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
@@ -266,7 +267,7 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
 }
 
 py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format, bool words) const {
-  const dialog_corpus::Format parsed = parseFormat(format);
+  const ZQ::Dialog::corpus::Format parsed = parseFormat(format);
   if (words && morphemes())
     throw py::value_error("words=True has no morpheme mode: stem the lines");
   const ByteView input(data);
@@ -279,7 +280,7 @@ py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format,
     if (auto* morphemes = std::get_if<MorphemeStemmer>(&workspace->stemmer))
       morphemes->stemText(input.text(), parsed, out);
     else
-      std::get<dialog_corpus::LineStemmer>(workspace->stemmer)
+      std::get<ZQ::Dialog::corpus::LineStemmer>(workspace->stemmer)
           .stemText(input.text(), parsed, words, out);
   }
   return py::bytes(out);

@@ -15,7 +15,7 @@
 
 namespace fs = std::filesystem;
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 namespace {
 
 const char* const kOnsets[] = {"",   "",   "b",  "c",  "d",  "f",  "g",  "h",   "j",  "l",
@@ -242,4 +242,4 @@ const std::vector<std::string>& japaneseSentences() {
   return sentences;
 }
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing

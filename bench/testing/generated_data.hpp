@@ -14,7 +14,7 @@
 
 #include "testing/files.hpp"
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 // One line pair of a lemma file.
 struct LemmaPair {
@@ -84,6 +84,6 @@ std::vector<std::string> realisticSentences(const std::string& lang);
 // weather, plans): the Japanese cases' text.
 const std::vector<std::string>& japaneseSentences();
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing
 
 #endif  // DIALOG_TESTING_GENERATED_DATA_HPP

@@ -201,7 +201,7 @@ void MorphemeStemmer::stemSentence(std::string_view sentence, std::vector<std::s
 }
 
 void MorphemeStemmer::stemRecord(std::string_view line, Format format, std::string& out) {
-  dialog_corpus::RecordWriter record(format, false, out);
+  RecordWriter record(format, false, out);
   forEachElement(line, [&](std::string_view element) {
     record.add(element);
     if (drain_ && out.size() >= drainBytes_) drain_(out);

@@ -18,8 +18,6 @@ class Lattice;
 
 namespace ZQ::Dialog::corpus {
 
-using Format = dialog_corpus::Format;
-
 // How a dictionary's entries lay out their feature fields, and so which field
 // gives a morpheme's element.
 enum class DictionaryLayout {

@@ -8,7 +8,7 @@
 #include <vector>
 #include "testing/files.hpp"
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 namespace fs = std::filesystem;
 
@@ -149,4 +149,4 @@ void installUserDictionary(const std::string& path) {
                 fs::copy_options::overwrite_existing);
 }
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing

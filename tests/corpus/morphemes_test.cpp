@@ -17,16 +17,16 @@ using ZQ::Dialog::corpus::Format;
 using ZQ::Dialog::corpus::MorphemeDictionary;
 using ZQ::Dialog::corpus::MorphemeStemmer;
 using Elements = std::vector<std::string>;
-using dialog_test::Layout;
+using ZQ::Dialog::testing::Layout;
 
 class Morphemes : public testing::Test {
  protected:
   void SetUp() override {
-    DIALOG_REQUIRE(dialog_test::Need::kDictionaryIndexer);
+    DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
     for (const auto& [name, layout] : {std::pair{"ipadic", Layout::kIpadic},
                                        {"unidic", Layout::kUnidic},
                                        {"other", Layout::kOther}}) {
-      dialog_test::installDictionary(data_.path() + "/" + name, layout);
+      ZQ::Dialog::testing::installDictionary(data_.path() + "/" + name, layout);
       if (layout != Layout::kOther) data_.linkDictionary(data_.path() + "/" + name, false, name);
     }
   }
@@ -36,7 +36,7 @@ class Morphemes : public testing::Test {
     EXPECT_TRUE(dictionary) << error;
     return dictionary;
   }
-  dialog_test::DataRoot data_;
+  ZQ::Dialog::testing::DataRoot data_;
 };
 
 TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
@@ -72,7 +72,7 @@ TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
     EXPECT_EQ(elements, expectedElements) << row.name;
     for (const Format format : {Format::Lines, Format::Tsv, Format::Jsonl}) {
       std::string expected, record, text;
-      dialog_corpus::formatRecord(format, false, row.elements, expected);
+      ZQ::Dialog::corpus::formatRecord(format, false, row.elements, expected);
       stemmer.stemRecord(row.sentence, format, record);
       stemmer.stemText(row.sentence + "\r\n" + row.sentence, format, text);
       EXPECT_EQ(record, expected) << row.name;
@@ -87,10 +87,10 @@ TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
 TEST_F(Morphemes, LayoutComesFromTheEntriesNeverFromMecabsDefault) {
   // MeCab's own default would be a UniDic-layout dictionary: it never counts.
   const std::string rc = data_.write("mecabrc", "dicdir = " + data_.path() + "/unidic\n");
-  const dialog_test::ScopedEnv mecabrc("MECABRC", rc);
+  const ZQ::Dialog::testing::ScopedEnv mecabrc("MECABRC", rc);
   EXPECT_EQ(open("ipadic")->layout(), DictionaryLayout::kIpadic);
   EXPECT_EQ(open("unidic")->layout(), DictionaryLayout::kUnidic);
-  dialog_test::DataRoot swapped;  // names say nothing
+  ZQ::Dialog::testing::DataRoot swapped;  // names say nothing
   swapped.linkDictionary(data_.path() + "/unidic", false, "ipadic");
   swapped.linkDictionary(data_.path() + "/other", false, "unidic");
   EXPECT_EQ(open("ipadic")->layout(), DictionaryLayout::kUnidic);
@@ -110,7 +110,7 @@ TEST_F(Morphemes, LayoutComesFromTheEntriesNeverFromMecabsDefault) {
   std::string error;
   EXPECT_EQ(MorphemeDictionary::open("unidic", error), nullptr);
   EXPECT_EQ(error.rfind("dictionary unidic at " + dir + " does not open: ", 0), 0u) << error;
-  const dialog_test::DataRoot empty;
+  const ZQ::Dialog::testing::DataRoot empty;
   EXPECT_EQ(MorphemeDictionary::open("unidic", error), nullptr);
   EXPECT_EQ(error.rfind("dictionary unidic not found: ", 0), 0u) << error;
 }

@@ -90,15 +90,16 @@ struct Side {
 
 // Never destroyed, so that the leak check finds them reachable.
 Side* setUp() {
-  static const dialog_test::DataRoot data;
-  static const dialog_test::TempDir dictionaries;
-  dialog_test::check(dialog_test::missing(dialog_test::Need::kIpaDictionary).empty(),
-                     "no IPA dictionary (mecab-ipadic-utf8)");
+  static const ZQ::Dialog::testing::DataRoot data;
+  static const ZQ::Dialog::testing::TempDir dictionaries;
+  ZQ::Dialog::testing::check(
+      ZQ::Dialog::testing::missing(ZQ::Dialog::testing::Need::kIpaDictionary).empty(),
+      "no IPA dictionary (mecab-ipadic-utf8)");
   const std::string unidic = dictionaries.path() + "/unidic";
-  dialog_test::installDictionary(unidic, dialog_test::Layout::kUnidic);
-  data.linkDictionary(dialog_test::ipadicDir());
+  ZQ::Dialog::testing::installDictionary(unidic, ZQ::Dialog::testing::Layout::kUnidic);
+  data.linkDictionary(ZQ::Dialog::testing::ipadicDir());
   data.linkDictionary(unidic, false, "unidic");
-  static const dialog_test::DataRoot debian;  // unidic-mecab, else the tiny one again
+  static const ZQ::Dialog::testing::DataRoot debian;  // unidic-mecab, else the tiny one again
   const std::string installed = "/var/lib/mecab/dic/unidic";
   debian.linkDictionary(std::filesystem::exists(installed + "/sys.dic") ? installed : unidic, false,
                         "unidic");
@@ -106,13 +107,13 @@ Side* setUp() {
   const char* names[] = {"ipadic", "unidic", "unidic"};
   for (int i = 0; i < 3; ++i) {
     // The last prefix serves the last side; the first two are found before it.
-    const dialog_test::ScopedEnv prefix("KU_PREFIX_PATH", (i < 2 ? data : debian).path());
+    const ZQ::Dialog::testing::ScopedEnv prefix("KU_PREFIX_PATH", (i < 2 ? data : debian).path());
     std::string error;
     const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(names[i], error);
-    dialog_test::check(dictionary != nullptr, "a dictionary does not open");
+    ZQ::Dialog::testing::check(dictionary != nullptr, "a dictionary does not open");
     sides[i].mode = new ZQ::Dialog::corpus::MorphemeStemmer(dictionary);
-    sides[i].tagger = dialog_test::openMecab(dictionary->directory()).release();
-    dialog_test::check(sides[i].tagger, "MeCab's own tagger does not open");
+    sides[i].tagger = ZQ::Dialog::testing::openMecab(dictionary->directory()).release();
+    ZQ::Dialog::testing::check(sides[i].tagger, "MeCab's own tagger does not open");
   }
   return sides;
 }
@@ -139,6 +140,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       plain.push_back(plainElement(layout, *node));
     numberEnd = digits ? node->surface + node->length : nullptr;
   }
-  dialog_test::check(mode == plain, "the mode differs from the bare walk");
+  ZQ::Dialog::testing::check(mode == plain, "the mode differs from the bare walk");
   return 0;
 }

@@ -53,11 +53,11 @@ class DialogStem : public testing::Test {
     for (const std::string& arg : args) command += " " + quote(arg);
     command += (source.empty() ? " <in" : "") + std::string(" >out 2>err ") + redirect;
     const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, dialog_test::readFile(dir + "/out"),
-            dialog_test::readFile(dir + "/err")};
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ZQ::Dialog::testing::readFile(dir + "/out"),
+            ZQ::Dialog::testing::readFile(dir + "/err")};
   }
-  dialog_test::DataRoot data_;
-  dialog_test::TempDir scratch_;
+  ZQ::Dialog::testing::DataRoot data_;
+  ZQ::Dialog::testing::TempDir scratch_;
 };
 
 TEST_F(DialogStem, Outputs) {
@@ -65,6 +65,9 @@ TEST_F(DialogStem, Outputs) {
     Args args;
     std::string input, out;
   };
+  std::string lines, stems;  // 200 KiB: --stream hands the library 64 KiB at a time
+  for (int i = 0; i < 20000; ++i) lines += std::to_string(i) + "Jumps\n";
+  for (int i = 0; i < 20000; ++i) stems += std::to_string(i) + "jump";
   const std::vector<Case> cases = {
       {{"The children went", "don't", "went\r", "a\rb"},
        "",
@@ -74,6 +77,7 @@ TEST_F(DialogStem, Outputs) {
       {{"--lang", "jpj", "猫が 走った"}, "", "猫が 走った\n\n"},    // whole; the trail stays off
       {{"--words"}, "went\ndon't\n\nWent", "go\ndon't\n\nWent\n"},  // a word is never split
       {{"--stream", "english"}, "Running\nJUMPS", "runjump\n"},
+      {{"--stream", "english"}, lines, stems + "\n"},  // each line's stem once, in order
       {{"--format", "tsv"}, "children went\n\n'\n", "child\tgo\n\n\t\n"},
       {{"--format", "tsv", "--words"}, "went\na\tb\\\n", "go\na\\tb\\\\\n"},
       {{"--format", "tsv", "a\nb\\\tc went"}, "", "a\\nb\\\\\\tc\tgo\n"},
@@ -106,6 +110,8 @@ TEST_F(DialogStem, Outputs) {
 }
 
 TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
+  // Quoted arguments with line ends still give one line.
+  std::vector<Args> cases = {{"--lang", "e\nn\ru"}, {"--bogus\nx"}};
   for (const char* args : {"--lang xx",
                            "--format xml",
                            "--jobs -1",
@@ -130,10 +136,12 @@ TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
                            "--dictionary ipadic",
                            "--lang jpj --morphemes --dictionary jumandic",
                            "--lang jpj --morphemes --words",
-                           "--check --lang jpj --morphemes"}) {
-    const Outcome r = run(split(args));
-    EXPECT_EQ(r.status, 2) << args;
-    EXPECT_EQ(r.out, "") << args;
+                           "--check --lang jpj --morphemes"})
+    cases.push_back(split(args));
+  for (const Args& args : cases) {
+    const Outcome r = run(args);
+    EXPECT_EQ(r.status, 2) << args.front();
+    EXPECT_EQ(r.out, "") << args.front();
     EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
     EXPECT_EQ(r.err.rfind("dialog-stem: ", 0), 0u) << r.err;
   }
@@ -220,23 +228,34 @@ TEST_F(DialogStem, AnswersEachLineBeforeMoreInputComes) {
 }
 
 TEST_F(DialogStem, CheckTellsWhereDataIs) {
-  DIALOG_REQUIRE(dialog_test::Need::kDictionaryIndexer);
+  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
   const std::string share = data_.path() + "/share/dialog/";
-  dialog_test::installDictionary(data_.path() + "/tiny");
+  ZQ::Dialog::testing::installDictionary(data_.path() + "/tiny");
   data_.linkDictionary(data_.path() + "/tiny");
   const std::pair<const char*, std::string> rows[] = {
       {"enu", "lemma file " + share + "lemmatizer/enu/lemma: 4 pairs\n"},
       {"frf", "lemma file " + share + "lemmatizer/frf/lemma: 2 pairs\n"},
       {"jpj",
        "--morphemes --dictionary unidic: not found (Debian: dialog-stemmer-data-jpj-unidic)\n"}};
+  Outcome r;
   for (const auto& [lang, last] : rows) {
-    const Outcome r = run({"--check", "--lang", lang});
+    r = run({"--check", "--lang", lang});
     EXPECT_EQ(r.status, 0) << lang;
     EXPECT_NE(r.out.find("  found   " + share), std::string::npos) << r.out;
     EXPECT_EQ(r.out.substr(r.out.rfind('\n', r.out.size() - 2) + 1), last) << r.out;
   }
-  const dialog_test::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
-  Outcome r = run({"went"});  // without data the words come back, with a warning
+  // A directory, a FIFO or a device where the lemma file should be.
+  for (const char* make : {"mkdir -p", "mkfifo", "ln -s /dev/null"}) {
+    const std::string lemma = share + "lemmatizer/enu/lemma";
+    ASSERT_EQ(std::system(("rm -rf " + lemma + " && " + make + " " + lemma).c_str()), 0);
+    r = run({"--check"});
+    EXPECT_EQ(r.status, 1) << make;
+    EXPECT_EQ(r.out.substr(r.out.rfind('\n', r.out.size() - 2) + 1),
+              "the enu lemma file " + lemma + " is not a regular file\n")
+        << make;
+  }
+  const ZQ::Dialog::testing::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
+  r = run({"went"});  // without data the words come back, with a warning
   EXPECT_EQ(r.out, "went\n\n");
   EXPECT_EQ(r.status, 0);
   EXPECT_NE(r.err.find("warning: no enu lemma file"), std::string::npos) << r.err;
@@ -249,11 +268,11 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
 }
 
 TEST_F(DialogStem, MorphemesAnyInputAnyJobs) {
-  DIALOG_REQUIRE(dialog_test::Need::kDictionaryIndexer);
+  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
   const std::string& dir = data_.path();
-  for (const auto& [name, layout] : {std::pair{"ipadic", dialog_test::Layout::kIpadic},
-                                     {"unidic", dialog_test::Layout::kUnidic}}) {
-    dialog_test::installDictionary(dir + "/" + name, layout);
+  for (const auto& [name, layout] : {std::pair{"ipadic", ZQ::Dialog::testing::Layout::kIpadic},
+                                     {"unidic", ZQ::Dialog::testing::Layout::kUnidic}}) {
+    ZQ::Dialog::testing::installDictionary(dir + "/" + name, layout);
     data_.linkDictionary(dir + "/" + name, false, name);
   }
   EXPECT_EQ(run({"--lang", "jpj", "--morphemes", "猫が走った", "ネコ"}).out,
@@ -294,7 +313,7 @@ TEST_F(DialogStem, MorphemesAnyInputAnyJobs) {
   Outcome r = run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "猫"});
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.err.rfind("dialog-stem: dictionary unidic not found: ", 0), 0u) << r.err;
-  dialog_test::installDictionary(dir + "/other", dialog_test::Layout::kOther);
+  ZQ::Dialog::testing::installDictionary(dir + "/other", ZQ::Dialog::testing::Layout::kOther);
   data_.linkDictionary(dir + "/other", false, "unidic");
   r = run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "猫"});
   EXPECT_EQ(r.status, 1);

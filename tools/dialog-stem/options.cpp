@@ -8,6 +8,8 @@
 
 #include "corpus/morphemes.hpp"
 
+namespace ZQ::Dialog::tool {
+
 namespace {
 
 ParseResult usageError(const QString& message) {
@@ -119,7 +121,7 @@ ParseResult parseOptions(const QStringList& arguments) {
     return usageError(QStringLiteral("--dictionary needs --morphemes"));
   if (options.morphemes && options.words)
     return usageError(QStringLiteral("--morphemes cuts sentences; it takes no --words"));
-  if (!ZQ::Dialog::corpus::MorphemeDictionary::knownName(options.dictionary))
+  if (!corpus::MorphemeDictionary::knownName(options.dictionary))
     return usageError(QStringLiteral("unknown dictionary '%1': expected ipadic or unidic")
                           .arg(parser.value(dictionaryOption)));
   if (options.check &&
@@ -141,3 +143,5 @@ ParseResult parseOptions(const QStringList& arguments) {
   }
   return result;
 }
+
+}  // namespace ZQ::Dialog::tool

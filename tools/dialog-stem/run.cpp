@@ -17,15 +17,18 @@
 #include <thread>
 #include <vector>
 
+#include "corpus/input_blocks.hpp"
 #include "corpus/line_stemmer.hpp"
 #include "corpus/morphemes.hpp"
-#include "input_blocks.hpp"
+
+namespace ZQ::Dialog::tool {
 
 namespace {
 
-using dialog_corpus::LineStemmer;
-using ZQ::Dialog::corpus::MorphemeDictionary;
-using ZQ::Dialog::corpus::MorphemeStemmer;
+using corpus::InputBlocks;
+using corpus::LineStemmer;
+using corpus::MorphemeDictionary;
+using corpus::MorphemeStemmer;
 
 // Output is handed to standard output in pieces of about this size, also
 // inside one long line, so that a huge line never has its whole result in memory.
@@ -72,7 +75,7 @@ class LineWork {
  private:
   ZQ::Dialog::Stemmer& stemmer_;
   const Options& options_;
-  std::optional<dialog_corpus::SharedStems> shared_;  // each word goes to the library once
+  std::optional<corpus::SharedStems> shared_;  // each word goes to the library once
 };
 
 // Japanese base forms: one MorphemeStemmer (tagger and lattice) per thread,
@@ -302,3 +305,5 @@ int runMorphemes(std::shared_ptr<const MorphemeDictionary> dictionary, const Opt
   return flushedStatus(options.inputs.empty() ? stemInput(work, options.jobs)
                                               : stemArguments(work, options));
 }
+
+}  // namespace ZQ::Dialog::tool

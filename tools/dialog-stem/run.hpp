@@ -7,6 +7,8 @@
 #include "options.hpp"
 #include "stemmer/stemmer.hpp"
 
+namespace ZQ::Dialog::tool {
+
 // Stems the inputs of `options` (its SENTENCE arguments, else the lines of
 // standard input) with `stemmer` and writes them in `options.format`, with
 // `options.jobs` threads sharing the stemmer, each with its own LineStemmer;
@@ -18,7 +20,7 @@ int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options);
 
 // The same for --morphemes: the elements of MorphemeStemmers on `dictionary`,
 // one per thread, with `options.jobs` threads.
-int runMorphemes(std::shared_ptr<const ZQ::Dialog::corpus::MorphemeDictionary> dictionary,
+int runMorphemes(std::shared_ptr<const corpus::MorphemeDictionary> dictionary,
                  const Options& options);
 
 // The longest line stemmed: the library's text holds at most 2^30 UTF-16 units.
@@ -30,5 +32,7 @@ int lineTooLong(std::size_t number);
 
 // Writes `bytes` to standard output; on failure prints the error and exits 1.
 void writeOut(const char* bytes, std::size_t size);
+
+}  // namespace ZQ::Dialog::tool
 
 #endif  // DIALOG_STEM_RUN_HPP

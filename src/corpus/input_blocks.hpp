@@ -1,8 +1,10 @@
-#ifndef DIALOG_STEM_INPUT_BLOCKS_HPP
-#define DIALOG_STEM_INPUT_BLOCKS_HPP
+#ifndef DIALOG_CORPUS_INPUT_BLOCKS_HPP
+#define DIALOG_CORPUS_INPUT_BLOCKS_HPP
 
 #include <cstddef>
 #include <string>
+
+namespace ZQ::Dialog::corpus {
 
 // Reads a file descriptor in blocks of whole lines: large blocks while input
 // keeps coming, and at once whatever complete lines have arrived when no more
@@ -39,4 +41,6 @@ class InputBlocks {
   bool end_ = false;
 };
 
-#endif  // DIALOG_STEM_INPUT_BLOCKS_HPP
+}  // namespace ZQ::Dialog::corpus
+
+#endif  // DIALOG_CORPUS_INPUT_BLOCKS_HPP

@@ -1,4 +1,4 @@
-#include "check.hpp"
+#include "corpus/check.hpp"
 
 #include <unistd.h>
 
@@ -8,13 +8,15 @@
 #include <vector>
 
 #include "corpus/morphemes.hpp"
+#include "corpus/stdout_to_stderr.hpp"
 #include "ku/path.hpp"
-#include "stdout_to_stderr.hpp"
+#include "stemmer/internals.hpp"
 #include "stemmer/stemmer.hpp"
-#include "stemmer/stemmer_p.hpp"
+
+namespace ZQ::Dialog::corpus {
 
 std::string lemmaFileProblem(const std::string& language) {
-  const std::string path = ku::path::findData("dialog", "lemmatizer/" + language + "/lemma", false);
+  const std::string path = ku::path::findData("dialog", lemmaDataPath(language), false);
   if (path.empty()) return "no " + language + " lemma file";
   std::error_code error;
   // The library never opens FIFOs, sockets or devices, which could block it.
@@ -44,9 +46,9 @@ int checkMorphemeDictionaries(const std::string& ipadic) {
     const bool first = name == std::string("ipadic");
     const std::string found = first ? ipadic : showLookup(std::string("data/") + name + "/");
     std::string error;
-    const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(name, error);
+    const auto dictionary = MorphemeDictionary::open(name, error);
     if (dictionary) {
-      const bool unidic = dictionary->layout() == ZQ::Dialog::corpus::DictionaryLayout::kUnidic;
+      const bool unidic = dictionary->layout() == DictionaryLayout::kUnidic;
       std::printf("--morphemes --dictionary %s: %s, %s layout\n", name, found.c_str(),
                   unidic ? "UniDic" : "ipadic");
     } else if (found.empty()) {
@@ -66,7 +68,7 @@ int checkMorphemeDictionaries(const std::string& ipadic) {
 
 int runCheck(const std::string& language) {
   const bool japanese = language == "jpj";
-  const std::string relative = japanese ? "data/ipadic/" : "lemmatizer/" + language + "/lemma";
+  const std::string relative = japanese ? "data/ipadic/" : lemmaDataPath(language);
   const std::string found = showLookup(relative);
   if (found.empty()) {
     std::printf("%s: not found\n", japanese ? "dictionary directory" : "lemma file");
@@ -76,7 +78,7 @@ int runCheck(const std::string& language) {
     bool opens;
     {
       const StdoutToStderr trail;  // the segmenter reports its progress on stdout
-      opens = ZQ::Dialog::Stemmer(language).impl->tagger != nullptr;
+      opens = taggerOpened(Stemmer(language));
     }
     std::printf("dictionary directory %s: %s\n", found.c_str(),
                 opens ? "opens" : "does not open (see the trail above)");
@@ -87,7 +89,9 @@ int runCheck(const std::string& language) {
     std::printf("%s\n", problem.c_str());
     return 1;
   }
-  const ZQ::Dialog::Stemmer stemmer(language);
-  std::printf("lemma file %s: %zu pairs\n", found.c_str(), stemmer.impl->lemDic.size());
+  const Stemmer stemmer(language);
+  std::printf("lemma file %s: %zu pairs\n", found.c_str(), lemmaPairs(stemmer));
   return 0;
 }
+
+}  // namespace ZQ::Dialog::corpus
