@@ -63,7 +63,14 @@ ParseResult parseOptions(const QStringList& arguments) {
       QStringLiteral("check"),
       QStringLiteral("Print where the language's data is looked for and found, and how many "
                      "pairs its lemma file holds; exit 1 when it is missing."));
-  parser.addOptions({langOption, wordsOption, formatOption, jobsOption, checkOption, streamOption});
+  const QCommandLineOption progressOption(
+      QStringLiteral("progress"),
+      QStringLiteral("Show on standard error how much of standard input is read: bytes, lines, "
+                     "MB/s, and for a file the percentage and time left; on a terminal one "
+                     "line rewritten at most 4 times a second, else a line at most every 10 "
+                     "seconds; then a summary line. Output and exit status do not change."));
+  parser.addOptions({langOption, wordsOption, formatOption, jobsOption, checkOption, streamOption,
+                     progressOption});
   parser.addPositionalArgument(QStringLiteral("SENTENCE"),
                                QStringLiteral("Sentences (or words) to stem."),
                                QStringLiteral("[SENTENCE...]"));
@@ -97,18 +104,22 @@ ParseResult parseOptions(const QStringList& arguments) {
                           .arg(parser.value(jobsOption)));
   options.jobs = jobs != 0 ? jobs : std::max(1u, std::thread::hardware_concurrency());
   options.check = parser.isSet(checkOption);
-  if (options.check && (parser.isSet(wordsOption) || parser.isSet(formatOption) ||
-                        parser.isSet(jobsOption) || !parser.positionalArguments().isEmpty()))
+  options.progress = parser.isSet(progressOption);
+  if (options.check &&
+      (parser.isSet(wordsOption) || parser.isSet(formatOption) || parser.isSet(jobsOption) ||
+       options.progress || !parser.positionalArguments().isEmpty()))
     return usageError(QStringLiteral("--check takes no other option but --lang"));
   for (const QString& input : parser.positionalArguments())
     options.inputs.push_back(input.toStdString());
+  if (options.progress && !options.inputs.empty())
+    return usageError(QStringLiteral("--progress reports on standard input: no SENTENCE with it"));
 
   if (parser.isSet(streamOption)) {
     options.streamAlgorithm = parser.value(streamOption).toStdString();
     if (options.streamAlgorithm.empty())
       return usageError(QStringLiteral("--stream needs an algorithm"));
     if (parser.isSet(langOption) || options.words || !options.inputs.empty() ||
-        parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check)
+        parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check || options.progress)
       return usageError(
           QStringLiteral("--stream reads standard input only and takes no other option"));
   }

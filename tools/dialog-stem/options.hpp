@@ -17,6 +17,7 @@ struct Options {
   Format format = Format::Lines;
   unsigned jobs = 1;  // threads sharing the stemmer; at least 1
   bool check = false;
+  bool progress = false;        // report reading standard input on standard error
   std::string streamAlgorithm;  // non-empty: --stream mode
   std::vector<std::string> inputs;
 };

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -17,6 +18,7 @@
 
 #include "corpus/line_stemmer.hpp"
 #include "input_blocks.hpp"
+#include "progress.hpp"
 
 namespace {
 
@@ -217,6 +219,12 @@ int stemInput(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
   // The Japanese morpheme path serves one caller at a time.
   const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
   InputBlocks input(STDIN_FILENO, kMaxLineBytes);
+  // Counted where blocks are read, whichever thread or stemmer takes them.
+  std::optional<ZQ::Dialog::tool::Progress> progress;
+  if (options.progress) {
+    ZQ::Dialog::tool::Progress& shown = progress.emplace(STDIN_FILENO);
+    input.observe([&shown](std::uint64_t bytes, std::uint64_t lines) { shown.read(bytes, lines); });
+  }
   try {
     if (jobs <= 1) {
       stemSerially(stemmer, options, input);
@@ -225,9 +233,11 @@ int stemInput(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
       parallel.run(input);
     }
   } catch (const std::system_error& error) {
+    if (progress) progress->finish();  // the summary, then the error
     std::fprintf(stderr, "dialog-stem: %s\n", error.what());
     return 1;
   }
+  if (progress) progress->finish();
   return input.tooLong() ? lineTooLong(input.tooLong()) : 0;
 }
 
