@@ -306,6 +306,10 @@ TEST_F(DialogStem, ProgressChangesOnlyStandardError) {
     EXPECT_EQ(summaries, 1) << name << ": " << shown.err;
     EXPECT_EQ(reports, row.reports) << name << ": " << shown.err;
     EXPECT_EQ(others, plain.err) << name;
+    // A failure's message comes last, on a line of its own.
+    if (plain.status != 0) {
+      EXPECT_EQ(shown.err.substr(shown.err.size() - others.size()), others) << name;
+    }
   }
 }
 
