@@ -23,13 +23,14 @@ OPERATIONS = {
     "corpus": ("bytes_per_second", "B/s", "per_line", {"*": 4.0}),
     "tool": ("bytes_per_second", "B/s", "per_line", {"*": 4.0}),
     "jobs": ("bytes_per_second", "B/s", "1_job", {"*": 1.7}),
+    "progress": ("bytes_per_second", "B/s", "without", {"*": 0.99}),
     "lineMemory": ("rss_per_line_byte", "× line", None, {"*": 4.0}),
 }
 LOWER = ("construct", "jpjOpen", "memory", "lineMemory")
 ABSOLUTE = ("memory", "lineMemory")  # bounds on the figure itself, not on a ratio
 # The implementations a bound applies to, where it is not "library".
 TARGETED = {"corpus": ("line_stemmer",), "tool": ("dialog_stem",), "jobs": ("2_jobs",),
-            "lineMemory": ("lines",)}
+            "progress": ("shown",), "lineMemory": ("lines",)}
 
 
 def human(value):

@@ -1,8 +1,10 @@
 // Corpus stemming as dialog-stem does it: LineStemmer over the treebank text
 // beside a per-line stem_sentence loop, in this process and as programs; the
-// tool with two jobs beside one; the tool's peak memory on a 200 MB line.
+// tool with two jobs beside one, and with --progress beside without; the
+// tool's peak memory on a 200 MB line.
 
 #include <fcntl.h>
+#include <pty.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -120,8 +122,9 @@ void corpus(benchmark::State& state, const std::string& lang, const std::string&
 // Runs `command` on the file `input`, output dropped; returns its wall time in
 // seconds, and its peak resident memory in `peakBytes`, read from /proc while
 // it runs (its own figure: ru_maxrss would carry this program's peak over
-// exec). Negative when it fails.
-double runTool(const std::vector<std::string>& command, const std::string& input, long& peakBytes) {
+// exec). Standard error goes to `errFd` when it is not -1. Negative when it fails.
+double runTool(const std::vector<std::string>& command, const std::string& input, long& peakBytes,
+               int errFd = -1) {
   std::vector<char*> argv;
   for (const std::string& arg : command) argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
@@ -129,6 +132,7 @@ double runTool(const std::vector<std::string>& command, const std::string& input
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  if (errFd != -1) posix_spawn_file_actions_adddup2(&actions, errFd, 2);
   const auto start = std::chrono::steady_clock::now();
   pid_t pid;
   const int failed = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
@@ -203,6 +207,33 @@ void jobs(benchmark::State& state, const std::string& lang, int count) {
       static_cast<std::int64_t>(state.iterations() * std::ifstream(input, std::ios::ate).tellg()));
 }
 
+// dialog-stem --progress ("shown") or the same run without it ("without") on
+// 32 MB of the language's text, standard error on a pseudo-terminal, where
+// reports come most often (4 a second): wall time.
+void progress(benchmark::State& state, const std::string& lang, const std::string& impl) {
+  if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
+  const std::string& input = corpusFile(lang, 32);
+  const dialog_test::DataRoot root(dialog_test::realisticData(lang).prefix);
+  // Nothing reads the far end: a run's few reports fit in the terminal's buffer.
+  int far, near;
+  if (openpty(&far, &near, nullptr, nullptr, nullptr) != 0)
+    return state.SkipWithError("no pseudo-terminal");
+  std::vector<std::string> command{DIALOG_STEM_PATH, "--lang", lang};
+  if (impl == "shown") command.push_back("--progress");
+  long peak;
+  for (auto _ : state) {
+    const double seconds = runTool(command, input, peak, near);
+    if (seconds < 0) {
+      state.SkipWithError("dialog-stem failed");
+      break;
+    }
+    state.SetIterationTime(seconds);
+  }
+  close(far), close(near);
+  state.SetBytesProcessed(
+      static_cast<std::int64_t>(state.iterations() * std::ifstream(input, std::ios::ate).tellg()));
+}
+
 // One English line of 200 MB (the corpus's words, space-separated): the tool's
 // peak resident memory over the line's size.
 void lineMemory(benchmark::State& state, const std::string& format) {
@@ -231,6 +262,7 @@ void skip(benchmark::State& state) {
 }
 void tool(benchmark::State& state, const std::string&, const std::string&) { skip(state); }
 void jobs(benchmark::State& state, const std::string&, int) { skip(state); }
+void progress(benchmark::State& state, const std::string&, const std::string&) { skip(state); }
 void lineMemory(benchmark::State& state, const std::string&) { skip(state); }
 #endif
 
@@ -250,6 +282,10 @@ BENCHMARK_CAPTURE(jobs, enu/2_jobs, "enu", 2)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, enu/1_job, "enu", 1)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, frf/2_jobs, "frf", 2)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, frf/1_job, "frf", 1)->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, enu/shown, "enu", "shown")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, enu/without, "enu", "without")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, frf/shown, "frf", "shown")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, frf/without, "frf", "without")->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(lineMemory, 200MB_line/lines, "lines")->UseManualTime()->Iterations(1);
 // clang-format on
 
