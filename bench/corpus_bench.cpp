@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <pty.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -122,9 +123,10 @@ void corpus(benchmark::State& state, const std::string& lang, const std::string&
 // Runs `command` on the file `input`, output dropped; returns its wall time in
 // seconds, and its peak resident memory in `peakBytes`, read from /proc while
 // it runs (its own figure: ru_maxrss would carry this program's peak over
-// exec). Standard error goes to `errFd` when it is not -1. Negative when it fails.
+// exec). Standard error goes to `errFd` when it is not -1, and the CPU time
+// (user and system) to `cpuSeconds` when given. Negative when it fails.
 double runTool(const std::vector<std::string>& command, const std::string& input, long& peakBytes,
-               int errFd = -1) {
+               int errFd = -1, double* cpuSeconds = nullptr) {
   std::vector<char*> argv;
   for (const std::string& arg : command) argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
@@ -141,7 +143,8 @@ double runTool(const std::vector<std::string>& command, const std::string& input
   int status = 0;
   peakBytes = 0;
   const std::string statusFile = "/proc/" + std::to_string(pid) + "/status";
-  while (waitpid(pid, &status, WNOHANG) == 0) {
+  rusage usage{};
+  while (wait4(pid, &status, WNOHANG, &usage) == 0) {
     std::ifstream in(statusFile);
     for (std::string line; std::getline(in, line);)
       if (line.rfind("VmHWM:", 0) == 0)
@@ -149,6 +152,9 @@ double runTool(const std::vector<std::string>& command, const std::string& input
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  if (cpuSeconds)
+    *cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                  static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
   return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? seconds.count() : -1;
 }
 
@@ -209,7 +215,8 @@ void jobs(benchmark::State& state, const std::string& lang, int count) {
 
 // dialog-stem --progress ("shown") or the same run without it ("without") on
 // 32 MB of the language's text, standard error on a pseudo-terminal, where
-// reports come most often (4 a second): wall time.
+// reports come most often (4 a second): CPU time, user and system, which the
+// machine's other load moves far less than wall time.
 void progress(benchmark::State& state, const std::string& lang, const std::string& impl) {
   if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
   const std::string& input = corpusFile(lang, 32);
@@ -222,8 +229,8 @@ void progress(benchmark::State& state, const std::string& lang, const std::strin
   if (impl == "shown") command.push_back("--progress");
   long peak;
   for (auto _ : state) {
-    const double seconds = runTool(command, input, peak, near);
-    if (seconds < 0) {
+    double seconds = 0;
+    if (runTool(command, input, peak, near, &seconds) < 0) {
       state.SkipWithError("dialog-stem failed");
       break;
     }

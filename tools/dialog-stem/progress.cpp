@@ -52,14 +52,14 @@ void Progress::read(std::uint64_t bytes, std::uint64_t lines) {
   int size = std::snprintf(text, sizeof text, "dialog-stem: %.1f MB, %llu lines, %.1f MB/s",
                            static_cast<double>(bytes) / 1e6, static_cast<unsigned long long>(lines),
                            megabytes);
-  if (total_ != 0 && size > 0) {
+  if (total_ != 0 && size > 0 && static_cast<std::size_t>(size) < sizeof text) {
     const std::uint64_t left = total_ - std::min(bytes, total_);
     const auto wait = static_cast<unsigned long>(
         megabytes > 0 ? static_cast<double>(left) / (megabytes * 1e6) + 0.5 : 0);
-    std::snprintf(text + size, sizeof text - static_cast<std::size_t>(size),
-                  ", %d%%, %lu:%02lu:%02lu left",
-                  static_cast<int>(static_cast<double>(total_ - left) * 100 / total_), wait / 3600,
-                  wait / 60 % 60, wait % 60);
+    std::snprintf(
+        text + size, sizeof text - static_cast<std::size_t>(size), ", %d%%, %lu:%02lu:%02lu left",
+        static_cast<int>(static_cast<double>(total_ - left) * 100 / static_cast<double>(total_)),
+        wait / 3600, wait / 60 % 60, wait % 60);
   }
   show(text, false);
 }
@@ -81,12 +81,12 @@ void Progress::show(const char* text, bool last) {
   std::size_t size = 0;
   const std::size_t width = std::strlen(text);
   if (terminal_) line[size++] = '\r';
-  std::memcpy(line + size, text, width);
+  std::copy_n(text, width, line + size);
   size += width;
   if (terminal_) {
     // Blanks over what a longer line before it left on the screen.
     const std::size_t blanks = shownWidth_ > width ? shownWidth_ - width : 0;
-    std::memset(line + size, ' ', blanks);
+    std::fill_n(line + size, blanks, ' ');
     size += blanks;
     shownWidth_ = width;
   }
