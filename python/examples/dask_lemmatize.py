@@ -123,14 +123,19 @@ def compute_on(client, tasks, out, shown):
     from distributed import progress
 
     futures = [client.compute(task) for task in tasks]
-    # distributed's bar blocks until every block is done: it runs beside the writing.
-    bar = threading.Thread(target=progress, args=(futures,), daemon=True) if shown else None
-    if bar:
+    bar = None
+    if shown:
+        # distributed's bar blocks until every block is done, so it runs beside
+        # the writing. It follows a small task after each block, kept to the
+        # end: a block's own result is released once written, maybe before
+        # the bar has looked, and a bar whose keys are gone would wait forever.
+        marks = [client.submit(len, future) for future in futures]
+        bar = threading.Thread(target=progress, args=(marks,), daemon=True)
         bar.start()
     written = 0
     for future in futures:
         result = future.result()
-        future.release()  # the bar's own reference must not keep the result
+        future.release()
         if out is not None:
             written += out.write(result)
     if bar:
