@@ -246,8 +246,10 @@ TEST_F(DialogStem, ProgressChangesOnlyStandardError) {
   };
   std::string big;  // 1.2 MB: several blocks
   for (int i = 0; i < 60000; ++i) big += i % 2 ? "children went don't\n" : "l'\xFF\n";
-  // A report 9.5 s after the start would be too early, and none at all too late.
-  const std::string went3 = "(echo went; sleep 9.5; echo went; sleep 1; echo went) |";
+  // A report 9.5 s after the start would be too early, and none at all too
+  // late; the last wait leaves the tool up to 1.5 s to start, as the 1.5 s on
+  // a terminal leaves it 1.25.
+  const std::string went3 = "(echo went; sleep 9.5; echo went; sleep 2; echo went) |";
   const Row rows[] = {
       {"", "children went\r\nl'homme", "", "", 0, "", false},
       {"--lang frf --format tsv", "l'homme\nchevaux\n\n", "", "", 0, "", false},
@@ -258,7 +260,7 @@ TEST_F(DialogStem, ProgressChangesOnlyStandardError) {
       {"--jobs 2", "", ">/dev/full", "yes went |", 0, "*", false},
       // Not a terminal: a plain line at most every 10 s; on one, 4 a second.
       {"", "", "", went3, 1, "15 bytes, 3 lines", false},
-      {"--jobs 2", "", "", "(echo went; sleep 0.6; echo went) |", 1, "10 bytes, 2 lines", true},
+      {"--jobs 2", "", "", "(echo went; sleep 1.5; echo went) |", 1, "10 bytes, 2 lines", true},
   };
   const std::regex report(
       R"(dialog-stem: \d+\.\d MB, (\d+) lines, \d+\.\d MB/s(, \d+%, \d+:\d\d:\d\d left)?)");
