@@ -26,7 +26,7 @@
 
 namespace {
 
-using namespace dialog_test;
+using namespace ZQ::Dialog::testing;
 
 // A "<field>: <n> kB" line of /proc/self/status, in bytes: the process's own
 // figures, where getrusage's ru_maxrss would carry the parent's peak over exec.

@@ -32,8 +32,8 @@ extern char** environ;
 
 namespace {
 
-using dialog_corpus::Format;
-using dialog_corpus::LineStemmer;
+using ZQ::Dialog::corpus::Format;
+using ZQ::Dialog::corpus::LineStemmer;
 
 // The baseline: each line, as the tool reads it, through stem_sentence, then
 // formatted. Appends to `out`.
@@ -47,7 +47,7 @@ void perLine(ZQ::Dialog::Stemmer& stemmer, std::string_view text, std::string& o
     if (!line.empty() && line.back() == '\r') line.pop_back();
     elements.clear();
     stemmer.stem_sentence(line, elements);
-    dialog_corpus::formatRecord(Format::Lines, false, elements, out);
+    ZQ::Dialog::corpus::formatRecord(Format::Lines, false, elements, out);
   }
 }
 
@@ -62,9 +62,9 @@ const Corpus& corpusFor(const std::string& lang) {
   auto [entry, fresh] = cache.try_emplace(lang);
   Corpus& c = entry->second;
   if (!fresh) return c;
-  const dialog_test::DataRoot root(dialog_test::realisticData(lang).prefix);
+  const ZQ::Dialog::testing::DataRoot root(ZQ::Dialog::testing::realisticData(lang).prefix);
   c.stemmer = std::make_unique<ZQ::Dialog::Stemmer>(lang);
-  for (const std::string& sentence : dialog_test::realisticSentences(lang))
+  for (const std::string& sentence : ZQ::Dialog::testing::realisticSentences(lang))
     c.text += sentence + "\n";
   // Both sides must give the same bytes, or the ratio means nothing.
   std::string fromLoop, fromLines;
@@ -94,7 +94,7 @@ void corpus(benchmark::State& state, const std::string& lang, const std::string&
     benchmark::DoNotOptimize(out.data());
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * c.text.size()));
-  state.SetLabel(dialog_test::realisticData(lang).description);
+  state.SetLabel(ZQ::Dialog::testing::realisticData(lang).description);
 }
 
 // The per-line loop as a program, for the tool's cases: this program again,
@@ -111,7 +111,7 @@ void corpus(benchmark::State& state, const std::string& lang, const std::string&
     if (!line.empty() && line.back() == '\r') line.pop_back();
     elements.clear();
     stemmer.stem_sentence(line, elements);
-    dialog_corpus::formatRecord(Format::Lines, false, elements, out);
+    ZQ::Dialog::corpus::formatRecord(Format::Lines, false, elements, out);
     if (out.size() >= (1 << 20))
       std::cout.write(out.data(), static_cast<long>(out.size())), out.clear();
   }
@@ -166,7 +166,7 @@ const std::string& corpusFile(const std::string& lang, std::size_t megabytes) {
     const std::string& text = corpusFor(lang).text;
     std::string repeated;
     while (repeated.size() < (megabytes << 20)) repeated += text;
-    entry->second = dialog_test::processTempDir().write(
+    entry->second = ZQ::Dialog::testing::processTempDir().write(
         "corpus_" + lang + "_" + std::to_string(megabytes), repeated);
   }
   return entry->second;
@@ -178,8 +178,8 @@ const std::string& corpusFile(const std::string& lang, std::size_t megabytes) {
 void tool(benchmark::State& state, const std::string& lang, const std::string& impl) {
   if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
   const std::string& input = corpusFile(lang, 8);
-  const dialog_test::DataRoot root(dialog_test::realisticData(lang).prefix);
-  const dialog_test::ScopedEnv driver(
+  const ZQ::Dialog::testing::DataRoot root(ZQ::Dialog::testing::realisticData(lang).prefix);
+  const ZQ::Dialog::testing::ScopedEnv driver(
       "DIALOG_BENCH_PER_LINE",
       impl == "per_line" ? std::optional<std::string>(lang) : std::nullopt);
   const std::string self = std::filesystem::read_symlink("/proc/self/exe");
@@ -201,7 +201,7 @@ void tool(benchmark::State& state, const std::string& lang, const std::string& i
 void jobs(benchmark::State& state, const std::string& lang, int count) {
   if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
   const std::string& input = corpusFile(lang, 32);
-  const dialog_test::DataRoot root(dialog_test::realisticData(lang).prefix);
+  const ZQ::Dialog::testing::DataRoot root(ZQ::Dialog::testing::realisticData(lang).prefix);
   long peak;
   for (auto _ : state) {
     const double seconds =
@@ -249,9 +249,9 @@ void lineMemory(benchmark::State& state, const std::string& format) {
     for (char& c : text) c = c == '\n' ? ' ' : c;
     while (line.size() < 200'000'000) line += text;
     line.resize(200'000'000);
-    return dialog_test::processTempDir().write("line_200MB", line + "\n");
+    return ZQ::Dialog::testing::processTempDir().write("line_200MB", line + "\n");
   }();
-  const dialog_test::DataRoot root(dialog_test::realisticData("enu").prefix);
+  const ZQ::Dialog::testing::DataRoot root(ZQ::Dialog::testing::realisticData("enu").prefix);
   double ratio = 0;
   for (auto _ : state) {
     long peak;

@@ -20,7 +20,7 @@
 
 namespace {
 
-using namespace dialog_test;
+using namespace ZQ::Dialog::testing;
 
 // Everyday sentences a dialog engine hears (greetings, requests, weather,
 // plans), separated by spaces, which Japanese text does not use.

@@ -26,7 +26,7 @@
 
 namespace {
 
-using namespace dialog_test;
+using namespace ZQ::Dialog::testing;
 using Dictionary = std::map<QString, QString>;
 
 // The library's lookup at its plainest: one conversion in, find then at for

@@ -5,10 +5,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "check.hpp"
+#include "corpus/check.hpp"
 #include "corpus/line_stemmer.hpp"
+#include "corpus/stdout_to_stderr.hpp"
 #include "ku/path.hpp"
-#include "stdout_to_stderr.hpp"
+#include "stemmer/internals.hpp"
 
 namespace py = pybind11;
 
@@ -59,10 +60,10 @@ std::string_view utf8View(py::handle text) {
   return {data, static_cast<std::size_t>(size)};
 }
 
-dialog_corpus::Format parseFormat(const std::string& name) {
-  if (name == "lines") return dialog_corpus::Format::Lines;
-  if (name == "tsv") return dialog_corpus::Format::Tsv;
-  if (name == "jsonl") return dialog_corpus::Format::Jsonl;
+ZQ::Dialog::corpus::Format parseFormat(const std::string& name) {
+  if (name == "lines") return ZQ::Dialog::corpus::Format::Lines;
+  if (name == "tsv") return ZQ::Dialog::corpus::Format::Tsv;
+  if (name == "jsonl") return ZQ::Dialog::corpus::Format::Jsonl;
   throw py::value_error("unknown format '" + name + "': expected 'lines', 'tsv' or 'jsonl'");
 }
 
@@ -89,9 +90,9 @@ class ByteView {
 // The tool's warning, through logging, when the lemma file gives no words.
 void warnWithoutLemmas(const std::string& language) {
   if (language != "enu" && language != "frf") return;
-  std::string problem = lemmaFileProblem(language);
+  std::string problem = ZQ::Dialog::corpus::lemmaFileProblem(language);
   if (problem.empty()) return;
-  const std::string relative = "lemmatizer/" + language + "/lemma";
+  const std::string relative = ZQ::Dialog::lemmaDataPath(language);
   if (ku::path::findData("dialog", relative, false).empty()) {
     std::string places;
     for (const std::string& candidate : ku::path::dataCandidates("dialog", relative, false))
@@ -109,7 +110,7 @@ void warnWithoutLemmas(const std::string& language) {
 // StrCache (used with it), both keeping their caches from call to call.
 struct Workspace {
   explicit Workspace(ZQ::Dialog::Stemmer& stemmer) : line(stemmer) {}
-  dialog_corpus::LineStemmer line;
+  ZQ::Dialog::corpus::LineStemmer line;
   StrCache strs;
 };
 
@@ -153,7 +154,7 @@ void rejectSingleText(py::handle items, const char* function) {
 PyStemmer::PyStemmer(const py::str& code) : language_(utf8(code)) {
   if (language_ == "jpj") {
     // The segmenter writes its progress to C's stdout while it opens.
-    const StdoutToStderr guard;
+    const ZQ::Dialog::corpus::StdoutToStderr guard;
     stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
   } else {
     stemmer_ = std::make_unique<ZQ::Dialog::Stemmer>(language_);
@@ -212,7 +213,7 @@ py::list PyStemmer::stemSentences(const py::handle& sentences) const {
 }
 
 py::bytes PyStemmer::stemText(const py::handle& data, const std::string& format, bool words) const {
-  const dialog_corpus::Format parsed = parseFormat(format);
+  const ZQ::Dialog::corpus::Format parsed = parseFormat(format);
   const ByteView input(data);
   std::string out;
   const Lease workspace(*this);

@@ -7,7 +7,7 @@
 #include <iostream>
 #include <stdexcept>
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 // Sends what the process writes to descriptors 1 and 2 (C and C++ streams
 // flushed around it) to a temporary file until finish(), so that the factory's
@@ -51,6 +51,6 @@ class CapturedOutput {
   std::FILE* file_ = nullptr;
 };
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing
 
 #endif  // DIALOG_BENCH_CAPTURED_OUTPUT_HPP

@@ -15,7 +15,7 @@
 
 namespace fs = std::filesystem;
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 namespace {
 
 const char* const kOnsets[] = {"",   "",   "b",  "c",  "d",  "f",  "g",  "h",   "j",  "l",
@@ -220,4 +220,4 @@ const RealisticData& realisticData(const std::string& lang) {
   return cache.emplace(lang, data).first->second;
 }
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing

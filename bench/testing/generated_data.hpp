@@ -14,7 +14,7 @@
 
 #include "testing/files.hpp"
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 // One line pair of a lemma file.
 struct LemmaPair {
@@ -80,6 +80,6 @@ const RealisticData& realisticData(const std::string& lang);
 // The language's treebank sentences, else 2000 generated ones.
 std::vector<std::string> realisticSentences(const std::string& lang);
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing
 
 #endif  // DIALOG_TESTING_GENERATED_DATA_HPP

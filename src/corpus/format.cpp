@@ -4,7 +4,7 @@
 
 #include "corpus/utf8.hpp"
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 namespace {
 
 void appendTsvField(std::string_view text, std::string& out) {
@@ -108,4 +108,4 @@ void formatRecord(Format format, bool words, const std::vector<std::string>& ele
   record.finish();
 }
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 // How one input line's result is written: the formats of dialog-stem --format.
 enum class Format { Lines, Tsv, Jsonl };
@@ -48,6 +48,6 @@ class RecordWriter {
   std::string& out_;
 };
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus
 
 #endif  // DIALOG_CORPUS_FORMAT_HPP

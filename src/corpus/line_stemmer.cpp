@@ -3,12 +3,9 @@
 #include <cstring>
 #include <utility>
 
-#include <QLatin1String>
-#include <QRegExp>
+#include "stemmer/internals.hpp"
 
-#include "stemmer/stemmer_p.hpp"
-
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 namespace {
 
 bool isSeparator(char c) { return c == ' ' || c == '\''; }
@@ -50,10 +47,7 @@ bool LineStemmer::splitsPieces() {
     cache_.clear();
     impl_ = impl;
   }
-  // The regex-split path, with the split of the load-time rx.
-  const QRegExp& rx = ZQ::Dialog::rx;
-  return impl->stemmer && impl->lang != 0 && rx.patternSyntax() == QRegExp::RegExp &&
-         rx.caseSensitivity() == Qt::CaseSensitive && rx.pattern() == QLatin1String("[ ']");
+  return ZQ::Dialog::splitsAtSpaceAndApostrophe(stemmer_);
 }
 
 LineStemmer::Stem LineStemmer::stem(std::string_view word) {
@@ -137,4 +131,4 @@ void LineStemmer::stemText(std::string_view text, Format format, bool words, std
   }
 }
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus

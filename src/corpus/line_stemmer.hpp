@@ -12,7 +12,7 @@
 #include "corpus/stem_cache.hpp"
 #include "stemmer/stemmer.hpp"
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 // Stems corpus lines for dialog-stem and the Python module: the elements are
 // those of Stemmer::stem_sentence and Stemmer::stemword, byte for byte.
@@ -94,6 +94,6 @@ class LineStemmer {
   std::function<void(std::string&)> drain_;
 };
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus
 
 #endif  // DIALOG_CORPUS_LINE_STEMMER_HPP

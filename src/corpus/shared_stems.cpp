@@ -3,7 +3,7 @@
 #include <cstring>
 #include <new>
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 // The word's bytes, then the stem's, follow the header in one allocation.
 struct SharedStems::Entry {
@@ -67,4 +67,4 @@ void SharedStems::insert(std::string_view word, std::string_view stem, bool plai
   ::operator delete(entry);
 }
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus

@@ -13,7 +13,7 @@ namespace ZQ::Dialog {
 class StemmerPrivate;
 }
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 // Stems that the LineStemmers of several threads share behind their own
 // caches, so that a word goes to the library once for all of them instead of
@@ -49,6 +49,6 @@ class SharedStems {
   std::atomic<std::size_t> size_{0};
 };
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus
 
 #endif  // DIALOG_CORPUS_SHARED_STEMS_HPP

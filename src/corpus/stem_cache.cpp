@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 StemCache::StemCache(std::size_t capacity) : capacity_(capacity) { rehash(kFirstSlots); }
 
@@ -85,4 +85,4 @@ void StemCache::clear() {
   arena_.clear();
 }
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus

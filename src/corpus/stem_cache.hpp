@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 // A bounded map from words to their stems, laid out for corpus text: words
 // and stems sit in one byte arena in the order they were first met, so the
@@ -61,6 +61,6 @@ class StemCache {
   std::string arena_;
 };
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus
 
 #endif  // DIALOG_CORPUS_STEM_CACHE_HPP

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 std::size_t utf8SequenceLength(std::string_view text, std::size_t i) {
   const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
@@ -52,4 +52,4 @@ bool isValidUtf8(std::string_view text) {
   return true;
 }
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace dialog_corpus {
+namespace ZQ::Dialog::corpus {
 
 // Length of the valid UTF-8 sequence at `text[i]` (i < size), or 0 when none
 // starts there: overlong forms, surrogates and code points above U+10FFFF are
@@ -14,6 +14,6 @@ std::size_t utf8SequenceLength(std::string_view text, std::size_t i);
 // True when all of `text` is valid UTF-8 (see utf8SequenceLength).
 bool isValidUtf8(std::string_view text);
 
-}  // namespace dialog_corpus
+}  // namespace ZQ::Dialog::corpus
 
 #endif  // DIALOG_CORPUS_UTF8_HPP

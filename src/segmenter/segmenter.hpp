@@ -3,7 +3,7 @@
 
 #include <mecab.h>
 
-#include "stemmer/stemmer.hpp"
+#include "stemmer/export.hpp"
 
 namespace MeCab {
 

@@ -347,11 +347,13 @@ void setLemmaLoadThreads(unsigned threads, std::size_t partBytes) {
   minPartBytes = partBytes;
 }
 
+std::string lemmaDataPath(const std::string& language) {
+  return language == "frf" ? "lemmatizer/frf/lemma" : "lemmatizer/enu/lemma";
+}
+
 std::map<QString, QString> StemmerPrivate::getLemDic(std::string language) {
   std::map<QString, QString> dictionary;
-  const char* const relativePath =
-      language == "frf" ? "lemmatizer/frf/lemma" : "lemmatizer/enu/lemma";
-  const int fd = openRegularFile(ku::path::findData("dialog", relativePath, false));
+  const int fd = openRegularFile(ku::path::findData("dialog", lemmaDataPath(language), false));
   if (fd >= 0) {
     buildDictionary(fd, dictionary);
     ::close(fd);

@@ -41,12 +41,25 @@ void forEachPiece(const QString& text, Piece&& piece) {
 // Index of the base form in the IPA dictionary's feature record.
 constexpr int kBaseFormField = 6;
 
+// The split of `impl`: the Snowball stemmer's presence is tested first, then
+// the language, so a Japanese stemmer given a Snowball stemmer splits morphemes.
+SentenceSplit splitOf(const StemmerPrivate& impl) {
+  if (impl.stemmer) return impl.lang != 0 ? SentenceSplit::kPieces : SentenceSplit::kMorphemes;
+  return impl.lang == 0 ? SentenceSplit::kWhole : SentenceSplit::kSpaces;
+}
+
 }  // namespace
 
+SentenceSplit sentenceSplit(const Stemmer& stemmer) { return splitOf(*stemmer.impl); }
+
+bool splitsAtSpaceAndApostrophe(const Stemmer& stemmer) {
+  return splitOf(*stemmer.impl) == SentenceSplit::kPieces && rxIsLoadTimeSplit();
+}
+
 void StemmerPrivate::stem_sentence(const std::string& sentence, std::vector<std::string>& stems) {
-  // The stemmer's presence is tested first, then the language: a Japanese
-  // stemmer has no Snowball stemmer and so returns its sentence whole.
-  if (stemmer && lang != 0) {
+  // A Japanese stemmer has no Snowball stemmer and so returns its sentence whole.
+  const SentenceSplit split = splitOf(*this);
+  if (split == SentenceSplit::kPieces) {
     const QString text = QString::fromUtf8(sentence.c_str());
     const auto stemPiece = [&](QString word) {
       QString stem;
@@ -58,7 +71,7 @@ void StemmerPrivate::stem_sentence(const std::string& sentence, std::vector<std:
     } else {
       for (const QString& part : text.split(rx, Qt::KeepEmptyParts)) stemPiece(part);
     }
-  } else if (stemmer) {
+  } else if (split == SentenceSplit::kMorphemes) {
     const MeCab::Node* node = tagger->parseToNode(sentence.c_str());
     for (; node; node = node->next) {
       // Begin- and end-of-sentence nodes (2 and 3) carry no morpheme.
@@ -70,7 +83,7 @@ void StemmerPrivate::stem_sentence(const std::string& sentence, std::vector<std:
       stems.emplace_back(
           fields.size() > kBaseFormField ? fields.at(kBaseFormField).toUtf8().constData() : "");
     }
-  } else if (lang == 0) {
+  } else if (split == SentenceSplit::kWhole) {
     appendTokens(sentence, charsep, stems);
   } else {
     appendTokens(sentence, sep, stems);

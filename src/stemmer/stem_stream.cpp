@@ -28,7 +28,7 @@ void appendUtf8(QString& out, const char* text) {
 
 void stem_stream(sb_stemmer* stemmer, FILE* in, QString& out) {
   // One buffer for the whole stream, grown 10 bytes at a time and never shrunk.
-  int capacity = detail::kStreamGrowth;
+  int capacity = kStreamGrowth;
   auto* buffer = static_cast<sb_symbol*>(std::malloc(capacity));
   // Locked once for the whole read instead of once per byte.
   flockfile(in);
@@ -38,7 +38,7 @@ void stem_stream(sb_stemmer* stemmer, FILE* in, QString& out) {
     while (c != EOF && c != '\n') {
       // A line whose length no longer fits in an int fails like a failed
       // allocation: the buffer is freed and nothing more is appended.
-      if (length == capacity && !detail::growStreamBuffer(buffer, capacity)) {
+      if (length == capacity && !growStreamBuffer(buffer, capacity)) {
         std::free(buffer);
         funlockfile(in);
         return;

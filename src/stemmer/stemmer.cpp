@@ -25,4 +25,8 @@ void Stemmer::stem_sentence(const std::string& sentence, std::vector<std::string
   impl->stem_sentence(sentence, stems);
 }
 
+std::size_t lemmaPairs(const Stemmer& stemmer) { return stemmer.impl->lemDic.size(); }
+
+bool taggerOpened(const Stemmer& stemmer) { return stemmer.impl->tagger != nullptr; }
+
 }  // namespace ZQ::Dialog

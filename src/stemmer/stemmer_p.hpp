@@ -20,6 +20,7 @@
 #include <mecab.h>
 #include <QString>
 
+#include "stemmer/internals.hpp"
 #include "stemmer/stemmer.hpp"
 
 namespace ZQ::Dialog {
@@ -61,13 +62,6 @@ class DIALOG_STEMMER_EXPORT StemmerPrivate {
   // The Japanese tagger; never freed.
   MeCab::Tagger* tagger;
 };
-
-// Lets every later lemma file load use up to `threads` threads (0 and 1 mean
-// one, the default): a UTF-8 file of at least twice `minPartBytes` is then cut
-// at pairs of lines and its parts read side by side, into the same map. For
-// callers that already use several cores, such as a tool's worker threads.
-DIALOG_STEMMER_EXPORT void setLemmaLoadThreads(unsigned threads,
-                                               std::size_t minPartBytes = std::size_t{256} << 10);
 
 }  // namespace ZQ::Dialog
 

@@ -6,7 +6,7 @@
 
 #include <libstemmer.h>
 
-namespace ZQ::Dialog::detail {
+namespace ZQ::Dialog {
 
 // The line buffer of stem_stream grows by this many bytes at a time.
 constexpr int kStreamGrowth = 10;
@@ -24,6 +24,6 @@ inline bool growStreamBuffer(sb_symbol*& buffer, int& capacity, int limit = INT_
   return true;
 }
 
-}  // namespace ZQ::Dialog::detail
+}  // namespace ZQ::Dialog
 
 #endif  // DIALOG_STEMMER_STREAM_BUFFER_HPP

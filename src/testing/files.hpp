@@ -15,7 +15,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 // A whole file's bytes ("" when it cannot be read).
 inline std::string readFile(const std::string& path) {
@@ -117,6 +117,6 @@ inline std::map<QString, QString> plainLemmaLoad(const std::string& path) {
   return map;
 }
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing
 
 #endif  // DIALOG_TESTING_FILES_HPP

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include "testing/files.hpp"
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 namespace fs = std::filesystem;
 
@@ -103,4 +103,4 @@ void installUserDictionary(const std::string& path) {
   fs::copy_file(compiled() + "/user.dic", path, fs::copy_options::overwrite_existing);
 }
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing

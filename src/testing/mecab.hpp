@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 enum class Need {
   kIpaDictionary,      // mecab-ipadic-utf8 at DIALOG_IPADIC_DIR
@@ -38,11 +38,12 @@ void installDictionary(const std::string& dir);
 // Copies a compiled user dictionary (one word, 犬) to the file `path`.
 void installUserDictionary(const std::string& path);
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing
 
 // In a GoogleTest body or SetUp(): skips, saying why, when `need` is not met.
-#define DIALOG_REQUIRE(need)                                                                      \
-  if (const std::string dialog_missing_ = ::dialog_test::missing(need); !dialog_missing_.empty()) \
+#define DIALOG_REQUIRE(need)                                                    \
+  if (const std::string dialog_missing_ = ::ZQ::Dialog::testing::missing(need); \
+      !dialog_missing_.empty())                                                 \
   GTEST_SKIP() << dialog_missing_
 
 #endif  // DIALOG_TESTING_MECAB_HPP

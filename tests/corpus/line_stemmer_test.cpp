@@ -8,8 +8,8 @@
 #include "corpus/line_stemmer.hpp"
 #include "testing/files.hpp"
 
-using dialog_corpus::Format;
-using dialog_corpus::LineStemmer;
+using ZQ::Dialog::corpus::Format;
+using ZQ::Dialog::corpus::LineStemmer;
 using Stems = std::vector<std::string>;
 
 static const std::vector<std::pair<const char*, std::string>> kLines = {
@@ -38,8 +38,9 @@ static void expectLibraryOutput(ZQ::Dialog::Stemmer& stemmer, LineStemmer& lines
     stemmer.stemword(word, stem);
     for (const Format format : {Format::Lines, Format::Tsv, Format::Jsonl}) {
       std::string want, got;
-      dialog_corpus::formatRecord(format, false, Stems(expected.begin() + 1, expected.end()), want);
-      dialog_corpus::formatRecord(format, true, {stem}, want);
+      ZQ::Dialog::corpus::formatRecord(format, false, Stems(expected.begin() + 1, expected.end()),
+                                       want);
+      ZQ::Dialog::corpus::formatRecord(format, true, {stem}, want);
       lines.stemRecord(text, format, false, got);
       lines.stemRecord(text, format, true, got);
       EXPECT_EQ(got, want) << name;
@@ -48,7 +49,7 @@ static void expectLibraryOutput(ZQ::Dialog::Stemmer& stemmer, LineStemmer& lines
 }
 
 TEST(LineStemmer, SameAsTheLibrary) {
-  const dialog_test::DataRoot data;
+  const ZQ::Dialog::testing::DataRoot data;
   data.write("lemmatizer/enu/lemma",
              "went\ngo\nWent\ngo\ndogs\ndog\ndon\ndo\nt\nnot\n\nEMPTY\ncaf\xC3\xA9\nCAF\xC3\x89\n");
   ZQ::Dialog::Stemmer english("enu"), unsupported("xx");
@@ -77,13 +78,13 @@ TEST(LineStemmer, SameAsTheLibrary) {
 // library's output; the table stops taking words when half full and serves
 // only the implementation it was made for. Run under ThreadSanitizer.
 TEST(Concurrency, LineStemmersSharingStemsGiveTheLibrarysOutput) {
-  const dialog_test::DataRoot data;
+  const ZQ::Dialog::testing::DataRoot data;
   data.write("lemmatizer/enu/lemma", "went\ngo\ndogs\ndog\nw7\nseven\nq\n\"q\"\n");
   ZQ::Dialog::Stemmer english("enu");
   std::string text, expected;
   for (int i = 0; i < 3000; ++i) text += "went w" + std::to_string(i % 1000) + " dogs q\n";
   LineStemmer(english, 0).stemText(text, Format::Jsonl, false, expected);  // nothing cached
-  dialog_corpus::SharedStems shared(english.impl, 1024);
+  ZQ::Dialog::corpus::SharedStems shared(english.impl, 1024);
   std::vector<std::string> outs(3);
   std::vector<std::thread> threads;
   for (std::string& out : outs)
@@ -95,13 +96,13 @@ TEST(Concurrency, LineStemmersSharingStemsGiveTheLibrarysOutput) {
   for (std::thread& thread : threads) thread.join();
   for (const std::string& out : outs) EXPECT_EQ(out, expected);
   int held = 0;
-  dialog_corpus::StemCache::Stem stem;
+  ZQ::Dialog::corpus::StemCache::Stem stem;
   for (int i = 0; i < 1000; ++i) held += shared.find("w" + std::to_string(i), stem);
   EXPECT_GE(held, 500);
   EXPECT_LE(held, 512 + 2);  // threads may pass the check together
   EXPECT_TRUE(shared.find("went", stem) && stem.text == "go" && stem.plain);
 
-  dialog_corpus::SharedStems foreign(nullptr);  // some other implementation's
+  ZQ::Dialog::corpus::SharedStems foreign(nullptr);  // some other implementation's
   foreign.insert("went", "gone", true);
   LineStemmer lines(english);
   lines.share(&foreign);

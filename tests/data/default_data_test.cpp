@@ -15,10 +15,11 @@ const char* const kLanguages[][4] = {{"enu", "dmst", "n\xE2\x80\x99t", "not"},  
                                      {"frf", "acdjlmnstyACDJLNSY", "L'", "le"}};
 
 TEST(DefaultData, EveryPairKeepsTheFormatCaseAndLetters) {
-  const dialog_test::DataRoot data(DIALOG_STAGED_PREFIX);
+  const ZQ::Dialog::testing::DataRoot data(DIALOG_STAGED_PREFIX);
   for (const auto& [code, letterWords, token, lemmaOfToken] : kLanguages) {
     const std::string path = data.path() + "/share/dialog/lemmatizer/" + code + "/lemma";
-    const QStringList lines = QString::fromStdString(dialog_test::readFile(path)).split('\n');
+    const QStringList lines =
+        QString::fromStdString(ZQ::Dialog::testing::readFile(path)).split('\n');
     ASSERT_TRUE(lines.size() > 1000 && lines.size() % 2 == 1 && lines.last().isEmpty()) << code;
     QStringList bad;  // out of order, identity, blank, capital lemma, letter expansion
     for (int i = 0; i + 1 < lines.size(); i += 2) {

@@ -12,25 +12,26 @@
 
 // Never destroyed, so that the leak check finds them reachable.
 static ZQ::Dialog::Stemmer* stemmers[2];
-static dialog_corpus::LineStemmer* lineStemmers[2];
+static ZQ::Dialog::corpus::LineStemmer* lineStemmers[2];
 
 static bool setUp() {
   ku::log::addCategory("LibStemmer")->level = 0;  // no "Unsupported language" noise
-  static const dialog_test::DataRoot data;
+  static const ZQ::Dialog::testing::DataRoot data;
   // Multi-byte, capitalised, empty and apostrophe-bearing forms and lemmas.
   data.write("lemmatizer/enu/lemma",
              "went\ngo\nWent\nGo\ndon\ndo\nt\nnot\n\nEMPTY\ncaf\xC3\xA9\nCAF\xC3\x89\no'clock\n"
              "clock\n\xC3\xA9t\xC3\xA9\n\xC3\xAAtre\nl\nle\naujourd'hui\nx\"\\\t\n");
   stemmers[0] = new ZQ::Dialog::Stemmer("enu");
   stemmers[1] = new ZQ::Dialog::Stemmer("xx");
-  for (int i = 0; i < 2; ++i) lineStemmers[i] = new dialog_corpus::LineStemmer(*stemmers[i], 16);
+  for (int i = 0; i < 2; ++i)
+    lineStemmers[i] = new ZQ::Dialog::corpus::LineStemmer(*stemmers[i], 16);
   return true;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const bool ready = setUp();
-  if (!ready || size == 0 || size > dialog_test::kMaxFuzzInput) return 0;
-  const auto format = static_cast<dialog_corpus::Format>(data[0] % 3);
+  if (!ready || size == 0 || size > ZQ::Dialog::testing::kMaxFuzzInput) return 0;
+  const auto format = static_cast<ZQ::Dialog::corpus::Format>(data[0] % 3);
   const bool words = (data[0] & 4) != 0;
   const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
   for (int i = 0; i < 2; ++i) {
@@ -41,14 +42,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (!line.empty() && line.back() == '\r') line.pop_back();
       std::vector<std::string> elements(words ? 1 : 0);
       words ? stemmers[i]->stemword(line, elements[0]) : stemmers[i]->stem_sentence(line, elements);
-      dialog_corpus::formatRecord(format, words, elements, expected);
+      ZQ::Dialog::corpus::formatRecord(format, words, elements, expected);
     }
     lineStemmers[i]->stemText(text, format, words, actual);
-    dialog_test::check(actual == expected, "stemText differs from the library");
+    ZQ::Dialog::testing::check(actual == expected, "stemText differs from the library");
     std::vector<std::string> mine{"kept"}, library{"kept"};
     lineStemmers[i]->stemSentence(text, mine);
     stemmers[i]->stem_sentence(text, library);
-    dialog_test::check(mine == library, "stemSentence differs from stem_sentence");
+    ZQ::Dialog::testing::check(mine == library, "stemSentence differs from stem_sentence");
   }
   return 0;
 }

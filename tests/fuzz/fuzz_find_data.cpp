@@ -7,10 +7,11 @@
 #include "testing/files.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const dialog_test::TempDir root;
+  static const ZQ::Dialog::testing::TempDir root;
   static const bool made = (root.write("share/p/a", "x"), root.write("share/p/d/b", "x"), true);
   std::string fields[3];
-  for (std::size_t i = 0, field = 0; i < size && made && size <= dialog_test::kMaxFuzzInput; ++i)
+  for (std::size_t i = 0, field = 0; i < size && made && size <= ZQ::Dialog::testing::kMaxFuzzInput;
+       ++i)
     if (data[i] == '\0' && field < 2)
       ++field;
     else
@@ -22,6 +23,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (std::error_code error; first.empty() && std::filesystem::exists(candidate, error))
       first = candidate;
   const std::string found = ku::path::findData(fields[0], fields[1], false);
-  dialog_test::check(found == first, "result is not the first existing candidate");
+  ZQ::Dialog::testing::check(found == first, "result is not the first existing candidate");
   return 0;
 }

@@ -7,21 +7,21 @@
 #include "testing/files.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_test::kMaxFuzzInput) return 0;
-  static const dialog_test::DataRoot root;
+  if (size > ZQ::Dialog::testing::kMaxFuzzInput) return 0;
+  static const ZQ::Dialog::testing::DataRoot root;
   const std::string path =
       root.write("lemmatizer/enu/lemma", std::string(reinterpret_cast<const char*>(data), size));
   static ZQ::Dialog::StemmerPrivate* const impl = [] {
     ku::log::addCategory("LibStemmer")->level = 0;  // no "Unsupported language" noise
     return new ZQ::Dialog::StemmerPrivate("xx");    // "xx" creates no Snowball handle
   }();
-  const std::map<QString, QString> plain = dialog_test::plainLemmaLoad(path);
+  const std::map<QString, QString> plain = ZQ::Dialog::testing::plainLemmaLoad(path);
   for (const unsigned threads : {1, 3}) {
     ZQ::Dialog::setLemmaLoadThreads(threads, 1);
     const std::map<QString, QString> map = impl->getLemDic("enu");
-    dialog_test::check(map == plain, "map differs from the plain readLine loop's");
+    ZQ::Dialog::testing::check(map == plain, "map differs from the plain readLine loop's");
     for (auto l = map.cbegin(), p = plain.cbegin(); l != map.end(); ++l, ++p)
-      dialog_test::check(l->second.isNull() == p->second.isNull(), "null lemma differs");
+      ZQ::Dialog::testing::check(l->second.isNull() == p->second.isNull(), "null lemma differs");
   }
   return 0;
 }

@@ -10,13 +10,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static ZQ::Dialog::StemmerPrivate* const impl = [] {
     ku::log::addCategory("LibStemmer")->level = 0;
     auto* created = new ZQ::Dialog::StemmerPrivate("xx");
-    created->tagger = dialog_test::openMecab(dialog_test::ipadicDir()).release();
-    dialog_test::check(created->tagger, "no IPA dictionary (mecab-ipadic-utf8)");
+    created->tagger = ZQ::Dialog::testing::openMecab(ZQ::Dialog::testing::ipadicDir()).release();
+    ZQ::Dialog::testing::check(created->tagger, "no IPA dictionary (mecab-ipadic-utf8)");
     created->stemmer = sb_stemmer_new("english", "UTF_8");
     return created;
   }();
   std::vector<std::string> stems{"kept"};
   impl->stem_sentence(std::string(reinterpret_cast<const char*>(data), size), stems);
-  dialog_test::check(stems.front() == "kept", "output not appended to");
+  ZQ::Dialog::testing::check(stems.front() == "kept", "output not appended to");
   return 0;
 }

@@ -9,21 +9,21 @@
 namespace seg = ZQ::Dialog::segmenter;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_test::kMaxFuzzInput) return 0;
+  if (size > ZQ::Dialog::testing::kMaxFuzzInput) return 0;
   const std::string input(reinterpret_cast<const char*>(data), size);
-  static const dialog_test::TempDir dir;
+  static const ZQ::Dialog::testing::TempDir dir;
   const std::string path = dir.write("file", input);
   seg::ResourceSettings once, twice;  // a key set by the first file keeps its value
-  dialog_test::check(once.load(path) == twice.load(path), "read differently twice");
+  ZQ::Dialog::testing::check(once.load(path) == twice.load(path), "read differently twice");
   const std::string first = once.value("userdic");
-  dialog_test::check((once.load(path), once.value("userdic") == first), "value replaced");
-  dialog_test::check(
+  ZQ::Dialog::testing::check((once.load(path), once.value("userdic") == first), "value replaced");
+  ZQ::Dialog::testing::check(
       seg::splitDictionaryList(input).size() <= 1u + std::count(input.begin(), input.end(), ','),
       "more dictionaries than list items");
   const seg::DictionaryCheck dic = seg::checkDictionary(path);
-  dialog_test::check(!dic.intact || dic.header.version == seg::kDictionaryVersion,
-                     "intact dictionary of another version");
-  dialog_test::check(!dic.headerRead || size >= 100, "header read from a short file");
+  ZQ::Dialog::testing::check(!dic.intact || dic.header.version == seg::kDictionaryVersion,
+                             "intact dictionary of another version");
+  ZQ::Dialog::testing::check(!dic.headerRead || size >= 100, "header read from a short file");
   seg::checkCharProperty(path);
   return 0;
 }

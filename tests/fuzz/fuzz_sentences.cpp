@@ -6,8 +6,8 @@
 #include "testing/files.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_test::kMaxFuzzInput) return 0;
-  static const dialog_test::DataRoot root;
+  if (size > ZQ::Dialog::testing::kMaxFuzzInput) return 0;
+  static const ZQ::Dialog::testing::DataRoot root;
   static ZQ::Dialog::Stemmer* const stemmers = [] {
     ku::log::addCategory("LibStemmer")->level = 0;  // no "Unsupported language" noise
     root.write("lemmatizer/enu/lemma", "went\ngo\ndon\ndo\nt\nnot\n\nEMPTY\n");
@@ -19,10 +19,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::string> stems{"kept"};
   stemmers[0].stem_sentence(input, stems);
   const QString text = QString::fromUtf8(input.c_str());
-  dialog_test::check(word == input && stems.size() == 2u + text.count(' ') + text.count('\''),
-                     "word changed, or not one element per piece");
+  ZQ::Dialog::testing::check(
+      word == input && stems.size() == 2u + text.count(' ') + text.count('\''),
+      "word changed, or not one element per piece");
   stems.assign(1, "kept");
   stemmers[1].stem_sentence(input, stems);
-  dialog_test::check(stems.back() == (input.empty() ? "kept" : input), "not whole");
+  ZQ::Dialog::testing::check(stems.back() == (input.empty() ? "kept" : input), "not whole");
   return 0;
 }

@@ -6,14 +6,14 @@
 #include "stemmer/stemmer.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_test::kMaxFuzzInput) return 0;
+  if (size > ZQ::Dialog::testing::kMaxFuzzInput) return 0;
   static sb_stemmer* const english = sb_stemmer_new("english", "UTF_8");
   std::vector<std::uint8_t> bytes(data, data + size);  // fmemopen refuses an empty buffer
   FILE* in = size ? fmemopen(bytes.data(), bytes.size(), "r") : std::fopen("/dev/null", "r");
   QString out = QStringLiteral("kept");
   ZQ::Dialog::stem_stream(english, in, out);
-  dialog_test::check(out.startsWith(QLatin1String("kept")), "output not appended to");
-  dialog_test::check(std::fgetc(in) == EOF, "stream not read to its end");
+  ZQ::Dialog::testing::check(out.startsWith(QLatin1String("kept")), "output not appended to");
+  ZQ::Dialog::testing::check(std::fgetc(in) == EOF, "stream not read to its end");
   std::fclose(in);
   return 0;
 }

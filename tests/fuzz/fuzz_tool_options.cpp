@@ -5,23 +5,26 @@
 #include "options.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size > dialog_test::kMaxFuzzInput) return 0;
+  if (size > ZQ::Dialog::testing::kMaxFuzzInput) return 0;
   static int argc = 1;
   static char name[] = "dialog-stem";
   static char* argv[] = {name, nullptr};
   static const QCoreApplication app(argc, argv);  // the help text names the application
-  const ParseResult r = parseOptions(
+  const ZQ::Dialog::tool::ParseResult r = ZQ::Dialog::tool::parseOptions(
       QStringList{QStringLiteral("dialog-stem")} +
       QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size)).split('\n'));
   const std::string& lang = r.options.language;
-  dialog_test::check(r.exitStatus != -1 || ((lang == "enu" || lang == "frf" || lang == "jpj") &&
-                                            r.options.jobs >= 1 && r.options.jobs <= 1024 &&
-                                            r.output.empty() && r.error.empty()),
-                     "bad options accepted");
-  dialog_test::check(r.exitStatus != 0 || (!r.output.empty() && r.error.empty()), "help text");
-  dialog_test::check(r.exitStatus != 2 || (r.error.rfind("dialog-stem: ", 0) == 0 &&
-                                           r.error.find('\n') + 1 == r.error.size()),
-                     "usage error is not one dialog-stem line");
-  dialog_test::check(r.exitStatus == -1 || r.exitStatus == 0 || r.exitStatus == 2, "status");
+  ZQ::Dialog::testing::check(
+      r.exitStatus != -1 ||
+          ((lang == "enu" || lang == "frf" || lang == "jpj") && r.options.jobs >= 1 &&
+           r.options.jobs <= 1024 && r.output.empty() && r.error.empty()),
+      "bad options accepted");
+  ZQ::Dialog::testing::check(r.exitStatus != 0 || (!r.output.empty() && r.error.empty()),
+                             "help text");
+  ZQ::Dialog::testing::check(r.exitStatus != 2 || (r.error.rfind("dialog-stem: ", 0) == 0 &&
+                                                   r.error.find('\n') + 1 == r.error.size()),
+                             "usage error is not one dialog-stem line");
+  ZQ::Dialog::testing::check(r.exitStatus == -1 || r.exitStatus == 0 || r.exitStatus == 2,
+                             "status");
   return 0;
 }

@@ -3,7 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-namespace dialog_test {
+namespace ZQ::Dialog::testing {
 
 // Inputs above this size are skipped: the library's 64 KiB steps are reached.
 constexpr std::size_t kMaxFuzzInput = 64 * 1024 + 4096;
@@ -13,6 +13,6 @@ inline void check(bool holds, const char* what) {
   if (!holds) std::fprintf(stderr, "invariant violated: %s\n", what), std::abort();
 }
 
-}  // namespace dialog_test
+}  // namespace ZQ::Dialog::testing
 
 #endif  // DIALOG_FUZZ_INVARIANT_HPP

@@ -5,8 +5,8 @@
 #include "ku/path.hpp"
 #include "testing/files.hpp"
 
-using dialog_test::ScopedEnv;
-using dialog_test::TempDir;
+using ZQ::Dialog::testing::ScopedEnv;
+using ZQ::Dialog::testing::TempDir;
 
 namespace {
 

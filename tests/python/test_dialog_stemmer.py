@@ -109,6 +109,15 @@ def test_logging_of_missing_data_and_unsupported_codes(data, caplog):
     warnings = [r.getMessage() for r in caplog.records if r.levelno == logging.WARNING]
     assert len(warnings) == 1 and str(data / "share/dialog/lemmatizer/enu/lemma") in warnings[0]
     assert any("Unsupported language" in r.getMessage() for r in caplog.records)
+    # A directory, a FIFO or a device where the lemma file should be is named too.
+    lemma = data / "share" / "dialog" / "lemmatizer" / "enu" / "lemma"
+    for make in (os.mkdir, os.mkfifo, lambda path: os.symlink("/dev/null", path)):
+        caplog.clear()
+        make(lemma)
+        assert Stemmer("enu").stemword("went") == "went"
+        assert [r.getMessage() for r in caplog.records if r.levelno == logging.WARNING] == \
+            [f"the enu lemma file {lemma} is not a regular file: words come back unchanged"]
+        os.rmdir(lemma) if lemma.is_dir() else lemma.unlink()
     assert (other.stemword("dogs"), other.stem_sentence(" a b "), other.stem_sentence("")) == \
         ("dogs", [" a b "], [])
 
@@ -129,14 +138,14 @@ def test_pickling_builds_a_new_stemmer():
 
 
 def test_threads_share_one_stemmer():
-    english, batch = Stemmer("enu"), SENTENCES * 300
+    english, batch = Stemmer("enu"), SENTENCES * 300  # three chunks of 1,024 and a part
 
     def work(i):  # the calls release the GIL: they overlap
         return english.stem_sentences(batch) if i % 2 else english.stem_text(RAW * 100)
 
     with ThreadPoolExecutor(4) as pool:
         results = list(pool.map(work, range(4)))
-    assert results == [english.stem_text(RAW * 100), english.stem_sentences(batch)] * 2
+    assert results == [english.stem_text(RAW * 100), [english.stem_sentence(s) for s in batch]] * 2
     assert dialog_stemmer.snowball_stem("english", ["Running", "JUMPS", ""]) == ["run", "jump", ""]
 
 

@@ -31,7 +31,7 @@ TEST(DictionaryHeader, SizeMagicVersionAndSections) {
       {dictionary(1, 12, 0, 101), true, false},
       {"", false, false},
   };
-  dialog_test::TempDir dir;
+  ZQ::Dialog::testing::TempDir dir;
   for (const auto& [bytes, read, intact] : rows) {
     const DictionaryCheck check = checkDictionary(dir.write("d", bytes));
     EXPECT_EQ(check.headerRead, read) << bytes.size();
@@ -69,7 +69,7 @@ TEST(DictionaryHeader, AnnouncedVersionsStopAtTheFirstRejectedFile) {
       {"sys.dic", 0, 0, "ascii", three},
   };
   for (const auto& [file, offset, value, charset, versions] : rows) {
-    dialog_test::TempDir dir;
+    ZQ::Dialog::testing::TempDir dir;
     dir.write("unk.dic", dictionary(2));
     std::string charBin(4 + 32 + 4 * 0xffff, '\0');
     put32(charBin, 0, 1);
@@ -78,11 +78,11 @@ TEST(DictionaryHeader, AnnouncedVersionsStopAtTheFirstRejectedFile) {
     const std::vector<std::string> users{dir.write("u1.dic", dictionary(1)),
                                          dir.write("u2.dic", dictionary(1))};
     const std::string path = dir.path() + "/" + file;
-    std::string bytes = dialog_test::readFile(path);
+    std::string bytes = ZQ::Dialog::testing::readFile(path);
     if (charset) bytes.replace(40, 32, std::string(charset) + std::string(32, '\0'), 0, 32);
     if (offset < 0) bytes += 'x';
     if (*file && !charset && offset >= 0) put32(bytes, offset, value);
-    if (*file) dialog_test::writeFile(path, bytes);
+    if (*file) ZQ::Dialog::testing::writeFile(path, bytes);
     EXPECT_EQ(announcedVersions(dir.path(), users), versions) << file << offset << charset;
   }
 }
@@ -112,7 +112,7 @@ TEST(ResourceFiles, PathsListsAndSettingsAsMeCabReadsThem) {
       {"\"open", {"open"}},
   };
   for (const auto& [list, names] : lists) EXPECT_EQ(splitDictionaryList(list), names) << list;
-  dialog_test::TempDir dir;
+  ZQ::Dialog::testing::TempDir dir;
   ResourceSettings settings;
   ASSERT_TRUE(settings.load(dir.write("1", "; c\n# c\n\n  userdic  =  /u.dic \nempty=\n")));
   ASSERT_TRUE(settings.load(dir.write("2", "userdic=/other.dic\ntheta=0.5\n")));

@@ -10,7 +10,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using namespace dialog_test;
+using namespace ZQ::Dialog::testing;
 
 std::string versions(std::size_t count, unsigned last = 102) {
   std::string text;

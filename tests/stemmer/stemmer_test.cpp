@@ -25,7 +25,7 @@ std::string word(Stemmer& stemmer, std::string text) {
 }
 
 TEST(Construction, EachCodeReadsItsOwnLemmaFileAndGivesItBack) {
-  dialog_test::DataRoot data;
+  ZQ::Dialog::testing::DataRoot data;
   data.write("lemmatizer/enu/lemma", "went\ngo\n");
   data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
   ku::log::Category* const category = ku::log::addCategory("LibStemmer");
@@ -54,7 +54,7 @@ TEST(Construction, EachCodeReadsItsOwnLemmaFileAndGivesItBack) {
 }
 
 TEST(Construction, AssignmentIsShallowAndSharesTheImplementation) {
-  dialog_test::DataRoot data;
+  ZQ::Dialog::testing::DataRoot data;
   auto* a = new Stemmer("enu");
   Stemmer b("frf"), copy(b);  // a copy shares too
   ZQ::Dialog::StemmerPrivate* const formerA = a->impl;
@@ -97,9 +97,9 @@ TEST(LemmaDictionary, SameMapAsPlainReadLineLoop) {
                 "a\nb\n\xEF\xBB\xBF\n\xEF\xBB\xBF"
                 "c\nd\n"});  // marks past the start
   for (const std::string& contents : files) {
-    dialog_test::DataRoot data;
+    ZQ::Dialog::testing::DataRoot data;
     const Dictionary plain =
-        dialog_test::plainLemmaLoad(data.write("lemmatizer/enu/lemma", contents));
+        ZQ::Dialog::testing::plainLemmaLoad(data.write("lemmatizer/enu/lemma", contents));
     for (const unsigned threads : {1, 2, 5}) {
       ZQ::Dialog::setLemmaLoadThreads(threads, 1);
       const Dictionary library = load();
@@ -111,24 +111,25 @@ TEST(LemmaDictionary, SameMapAsPlainReadLineLoop) {
     }
   }
   ZQ::Dialog::setLemmaLoadThreads(1);
-  EXPECT_EQ(dialog_test::plainLemmaLoad(dialog_test::DataRoot().write("x", "a\n\nb\nc\nb")),
+  EXPECT_EQ(ZQ::Dialog::testing::plainLemmaLoad(
+                ZQ::Dialog::testing::DataRoot().write("x", "a\n\nb\nc\nb")),
             (Dictionary{{q("a"), q("")}, {q("b"), q("")}}));  // the loop itself
 }
 
 TEST(LemmaDictionary, FileByCodeInPrefixOrUserDataHomeElseEmpty) {
   {
-    dialog_test::DataRoot data;
+    ZQ::Dialog::testing::DataRoot data;
     data.write("lemmatizer/frf/lemma", "yeux\nœil\n");
     EXPECT_TRUE(load().empty());  // no English file
     data.write("lemmatizer/enu/lemma", "went\ngo\n");
     EXPECT_EQ(load("frf"), (Dictionary{{q("yeux"), q("œil")}}));
     for (const char* code : {"enu", "jpj", "", "FRF"})  // every other code reads English
       EXPECT_EQ(load(code), (Dictionary{{q("went"), q("go")}})) << code;
-    const dialog_test::DataRoot user;  // an empty prefix; the file in the user's data home
+    const ZQ::Dialog::testing::DataRoot user;  // an empty prefix; the file in the user's data home
     user.write("lemmatizer/enu/lemma", "été\nêtre\n", true);
     EXPECT_EQ(load(), (Dictionary{{q("été"), q("être")}}));
   }
-  dialog_test::DataRoot data;
+  ZQ::Dialog::testing::DataRoot data;
   const std::string path = data.write("lemmatizer/enu/lemma/inner", "x");  // a directory
   const std::string lemma = std::filesystem::path(path).parent_path();
   EXPECT_TRUE(load().empty());
@@ -136,7 +137,7 @@ TEST(LemmaDictionary, FileByCodeInPrefixOrUserDataHomeElseEmpty) {
   ASSERT_EQ(mkfifo(lemma.c_str(), 0600), 0);  // would block a reader
   EXPECT_TRUE(load().empty());
   std::filesystem::remove(lemma);
-  if (dialog_test::missing(dialog_test::Need::kUnprivileged).empty()) {
+  if (ZQ::Dialog::testing::missing(ZQ::Dialog::testing::Need::kUnprivileged).empty()) {
     ASSERT_EQ(chmod(data.write("lemmatizer/enu/lemma", "went\ngo\n").c_str(), 0), 0);
     EXPECT_TRUE(load().empty());
     std::filesystem::remove(lemma);
@@ -161,7 +162,7 @@ class Stemming : public testing::Test {
     stemmer.stem_sentence(sentence, stems);
     return stems;
   }
-  dialog_test::DataRoot data_;
+  ZQ::Dialog::testing::DataRoot data_;
   std::string files_ = data_.write("lemmatizer/enu/lemma",
                                    "went\ngo\ndogs\ndog\ndon\nDO\nt\nNOT\n\nEMPTY\nété\nêtre\n"
                                    "\357\273\277cats\nunreachable\n") +
@@ -221,9 +222,13 @@ TEST_F(Stemming, RegexSplitCutsAtSpacesAndApostrophes) {
 TEST_F(Stemming, CallersPatternIsHonoured) {
   const QRegExp saved = ZQ::Dialog::rx;
   ZQ::Dialog::rx.setPattern(QStringLiteral("o"));
+  EXPECT_FALSE(ZQ::Dialog::splitsAtSpaceAndApostrophe(en_));  // the front ends' fast path is off
   EXPECT_EQ(run(en_, "don't dogs"), (Stems{"d", "n't d", "gs"}));
+  // Each empty part (first, between two matches, last) is an element too.
+  EXPECT_EQ(run(en_, "oo dogo"), (Stems{"EMPTY", "EMPTY", " d", "g", "EMPTY"}));
   ZQ::Dialog::rx = saved;
   EXPECT_EQ(run(en_, "don't"), (Stems{"DO", "NOT"}));
+  EXPECT_TRUE(ZQ::Dialog::splitsAtSpaceAndApostrophe(en_));
 }
 
 TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
@@ -237,8 +242,11 @@ TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
     std::string word = "went", result;
     stemmer.stemword(word, result);
     EXPECT_EQ(result, "went") << code;
+    EXPECT_EQ(ZQ::Dialog::sentenceSplit(stemmer), ZQ::Dialog::SentenceSplit::kWhole) << code;
   }
   en_.impl->stemmer = nullptr;  // as when the Snowball stemmer could not be created
+  EXPECT_EQ(ZQ::Dialog::sentenceSplit(en_), ZQ::Dialog::SentenceSplit::kSpaces);
+  EXPECT_FALSE(ZQ::Dialog::splitsAtSpaceAndApostrophe(en_));
   EXPECT_EQ(run(en_, "  dogs   don't\tx  "), (Stems{"dogs", "don't\tx"}));  // no lookup
   EXPECT_EQ(run(en_, "   "), Stems{});
   EXPECT_EQ(run(en_, std::string("a\0b c", 5)), (Stems{std::string("a\0b", 3), "c"}));
@@ -246,10 +254,12 @@ TEST_F(Stemming, WholeSentenceAndSpaceTokenPaths) {
 }
 // The morpheme path: a Snowball stemmer with selector 0 and a real tagger.
 TEST_F(Stemming, MorphemePathYieldsBaseForms) {
-  DIALOG_REQUIRE(dialog_test::Need::kIpaDictionary);
-  const dialog_test::TaggerPtr tagger = dialog_test::openMecab(dialog_test::ipadicDir());
+  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kIpaDictionary);
+  const ZQ::Dialog::testing::TaggerPtr tagger =
+      ZQ::Dialog::testing::openMecab(ZQ::Dialog::testing::ipadicDir());
   ASSERT_NE(tagger, nullptr) << MeCab::getTaggerError();
   en_.impl->lang = 0, en_.impl->tagger = tagger.get();
+  EXPECT_EQ(ZQ::Dialog::sentenceSplit(en_), ZQ::Dialog::SentenceSplit::kMorphemes);
   EXPECT_EQ(run(en_, "猫が走った"), (Stems{"猫", "が", "走る", "た"}));
   EXPECT_EQ(run(en_, "", {"kept"}), (Stems{"kept"}));            // only begin and end nodes
   EXPECT_EQ(run(en_, "Zyxwvq"), (Stems{"*"}));                   // unknown words keep "*"
@@ -289,7 +299,7 @@ TEST(StemStream, LinesAreLoweredStemmedAndJoined) {
 }
 
 TEST(StemStream, GrowthStopsBeforeTheCapacityWraps) {
-  using ZQ::Dialog::detail::growStreamBuffer;
+  using ZQ::Dialog::growStreamBuffer;
   int capacity = 10;
   auto* buffer = static_cast<sb_symbol*>(std::malloc(capacity));
   EXPECT_TRUE(growStreamBuffer(buffer, capacity, 30));

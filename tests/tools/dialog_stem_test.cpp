@@ -57,11 +57,11 @@ class DialogStem : public testing::Test {
     for (const std::string& arg : args) command += " " + quote(arg);
     command += (source.empty() ? " <in" : "") + std::string(" >out 2>err ") + redirect;
     const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, dialog_test::readFile(dir + "/out"),
-            dialog_test::readFile(dir + "/err")};
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ZQ::Dialog::testing::readFile(dir + "/out"),
+            ZQ::Dialog::testing::readFile(dir + "/err")};
   }
-  dialog_test::DataRoot data_;
-  dialog_test::TempDir scratch_;
+  ZQ::Dialog::testing::DataRoot data_;
+  ZQ::Dialog::testing::TempDir scratch_;
 };
 
 TEST_F(DialogStem, Outputs) {
@@ -69,6 +69,9 @@ TEST_F(DialogStem, Outputs) {
     Args args;
     std::string input, out;
   };
+  std::string lines, stems;  // 200 KiB: --stream hands the library 64 KiB at a time
+  for (int i = 0; i < 20000; ++i) lines += std::to_string(i) + "Jumps\n";
+  for (int i = 0; i < 20000; ++i) stems += std::to_string(i) + "jump";
   const std::vector<Case> cases = {
       {{"The children went", "don't", "went\r", "a\rb"},
        "",
@@ -78,6 +81,7 @@ TEST_F(DialogStem, Outputs) {
       {{"--lang", "jpj", "猫が 走った"}, "", "猫が 走った\n\n"},    // whole; the trail stays off
       {{"--words"}, "went\ndon't\n\nWent", "go\ndon't\n\nWent\n"},  // a word is never split
       {{"--stream", "english"}, "Running\nJUMPS", "runjump\n"},
+      {{"--stream", "english"}, lines, stems + "\n"},  // each line's stem once, in order
       {{"--format", "tsv"}, "children went\n\n'\n", "child\tgo\n\n\t\n"},
       {{"--format", "tsv", "--words"}, "went\na\tb\\\n", "go\na\\tb\\\\\n"},
       {{"--format", "tsv", "a\nb\\\tc went"}, "", "a\\nb\\\\\\tc\tgo\n"},
@@ -110,19 +114,24 @@ TEST_F(DialogStem, Outputs) {
 }
 
 TEST_F(DialogStem, BadUsageGivesOneLineAndStatusTwo) {
-  // Packed by hand: clang-format puts a list of 20 or more one item a line.
-  // clang-format off
+  // Quoted arguments with line ends still give one line; --progress only
+  // where standard input is stemmed.
+  std::vector<Args> cases = {{"--lang", "e\nn\ru"},
+                             {"--bogus\nx"},
+                             {"--check", "--progress"},
+                             {"--stream", "english", "--progress"},
+                             {"--progress", "x"}};
   for (const char* args :
        {"--lang xx", "--format xml", "--jobs -1", "--jobs 1025", "--jobs x", "--bogus", "--lang",
         "--check --words", "--check --jobs 1", "--check --format tsv", "--check x",
         "--stream nosuch", "--stream", "--stream english --words", "--stream english text",
         "--stream english --lang enu", "--stream english --format tsv", "--stream english --jobs 1",
-        "--stream english --check", "--check --progress", "--stream english --progress",
-        "--progress x"}) {
-    // clang-format on
-    const Outcome r = run(split(args));
-    EXPECT_EQ(r.status, 2) << args;
-    EXPECT_EQ(r.out, "") << args;
+        "--stream english --check"})
+    cases.push_back(split(args));
+  for (const Args& args : cases) {
+    const Outcome r = run(args);
+    EXPECT_EQ(r.status, 2) << args.front();
+    EXPECT_EQ(r.out, "") << args.front();
     EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
     EXPECT_EQ(r.err.rfind("dialog-stem: ", 0), 0u) << r.err;
   }
@@ -325,22 +334,33 @@ TEST_F(DialogStem, AnswersEachLineBeforeMoreInputComes) {
 }
 
 TEST_F(DialogStem, CheckTellsWhereDataIs) {
-  DIALOG_REQUIRE(dialog_test::Need::kDictionaryIndexer);
+  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
   const std::string share = data_.path() + "/share/dialog/";
-  dialog_test::installDictionary(data_.path() + "/tiny");
+  ZQ::Dialog::testing::installDictionary(data_.path() + "/tiny");
   data_.linkDictionary(data_.path() + "/tiny");
   const std::pair<const char*, std::string> rows[] = {
       {"enu", "lemma file " + share + "lemmatizer/enu/lemma: 4 pairs\n"},
       {"frf", "lemma file " + share + "lemmatizer/frf/lemma: 2 pairs\n"},
       {"jpj", "dictionary directory " + share + "data/ipadic/: opens\n"}};
+  Outcome r;
   for (const auto& [lang, last] : rows) {
-    const Outcome r = run({"--check", "--lang", lang});
+    r = run({"--check", "--lang", lang});
     EXPECT_EQ(r.status, 0) << lang;
     EXPECT_NE(r.out.find("  found   " + share), std::string::npos) << r.out;
     EXPECT_EQ(r.out.substr(r.out.rfind('\n', r.out.size() - 2) + 1), last) << r.out;
   }
-  const dialog_test::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
-  Outcome r = run({"went"});  // without data the words come back, with a warning
+  // A directory, a FIFO or a device where the lemma file should be.
+  for (const char* make : {"mkdir -p", "mkfifo", "ln -s /dev/null"}) {
+    const std::string lemma = share + "lemmatizer/enu/lemma";
+    ASSERT_EQ(std::system(("rm -rf " + lemma + " && " + make + " " + lemma).c_str()), 0);
+    r = run({"--check"});
+    EXPECT_EQ(r.status, 1) << make;
+    EXPECT_EQ(r.out.substr(r.out.rfind('\n', r.out.size() - 2) + 1),
+              "the enu lemma file " + lemma + " is not a regular file\n")
+        << make;
+  }
+  const ZQ::Dialog::testing::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
+  r = run({"went"});  // without data the words come back, with a warning
   EXPECT_EQ(r.out, "went\n\n");
   EXPECT_EQ(r.status, 0);
   EXPECT_NE(r.err.find("warning: no enu lemma file"), std::string::npos) << r.err;

@@ -11,14 +11,15 @@
 
 #include <QCoreApplication>
 
-#include "check.hpp"
+#include "corpus/check.hpp"
+#include "corpus/stdout_to_stderr.hpp"
 #include "options.hpp"
 #include "run.hpp"
-#include "stdout_to_stderr.hpp"
+#include "stemmer/internals.hpp"
 #include "stemmer/stemmer.hpp"
-#include "stemmer/stemmer_p.hpp"
 #include "stream_mode.hpp"
 
+namespace ZQ::Dialog::tool {
 namespace {
 
 bool isOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }
@@ -39,21 +40,21 @@ int flushed(int status) {
 }
 
 int run(const Options& options) {
-  if (options.check) return flushed(runCheck(options.language));
+  if (options.check) return flushed(corpus::runCheck(options.language));
   if (!options.streamAlgorithm.empty()) return runStreamMode(options.streamAlgorithm);
   // Kept to the process's end, never destroyed: freeing a French dictionary's
   // 300k entries would add a fifth to the tool's start-up and exit time.
   static ZQ::Dialog::Stemmer* stemmer = nullptr;
   if (options.language == "jpj") {
     // The Japanese segmenter reports its progress on standard output.
-    const StdoutToStderr trail;
+    const corpus::StdoutToStderr trail;
     stemmer = new ZQ::Dialog::Stemmer(options.language);
   } else {
     // The threads that will stem read the dictionary too.
     ZQ::Dialog::setLemmaLoadThreads(options.jobs);
     stemmer = new ZQ::Dialog::Stemmer(options.language);
     // Words would come back unchanged without a word of explanation otherwise.
-    if (const std::string problem = lemmaFileProblem(options.language); !problem.empty())
+    if (const std::string problem = corpus::lemmaFileProblem(options.language); !problem.empty())
       std::fprintf(stderr, "dialog-stem: warning: %s, words come back unchanged (see --check)\n",
                    problem.c_str());
   }
@@ -61,8 +62,12 @@ int run(const Options& options) {
 }
 
 }  // namespace
+}  // namespace ZQ::Dialog::tool
 
 int main(int argc, char** argv) {
+  using ZQ::Dialog::tool::failure;
+  using ZQ::Dialog::tool::flushed;
+  using ZQ::Dialog::tool::isOpen;
   // Each stemming thread's heap would otherwise grow and shrink by small steps
   // around every block, one system call and fresh page faults each time: a
   // filter that lives for one input keeps what it has grown.
@@ -76,17 +81,17 @@ int main(int argc, char** argv) {
   try {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("dialog-stem"));
-    const ParseResult parsed = parseOptions(QCoreApplication::arguments());
+    const auto parsed = ZQ::Dialog::tool::parseOptions(QCoreApplication::arguments());
     std::fputs(parsed.error.c_str(), stderr);
     if (parsed.exitStatus >= 0) {
       std::fputs(parsed.output.c_str(), stdout);
       return flushed(parsed.exitStatus);
     }
-    const Options& options = parsed.options;
+    const auto& options = parsed.options;
     // Standard input matters only where it is read: no SENTENCE, no --check.
     if (!inputOpen && !options.check && options.inputs.empty())
       return failure("standard input is closed");
-    return run(options);
+    return ZQ::Dialog::tool::run(options);
   } catch (const std::bad_alloc&) {
     std::fputs("dialog-stem: memory exhausted\n", stderr);
     return 1;

@@ -6,6 +6,8 @@
 
 #include <QCommandLineParser>
 
+namespace ZQ::Dialog::tool {
+
 namespace {
 
 ParseResult usageError(const QString& message) {
@@ -125,3 +127,5 @@ ParseResult parseOptions(const QStringList& arguments) {
   }
   return result;
 }
+
+}  // namespace ZQ::Dialog::tool

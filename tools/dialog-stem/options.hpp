@@ -8,7 +8,9 @@
 
 #include "corpus/format.hpp"
 
-using dialog_corpus::Format;
+namespace ZQ::Dialog::tool {
+
+using corpus::Format;
 
 // What the command line asks for.
 struct Options {
@@ -34,5 +36,7 @@ struct ParseResult {
 // but for memory: --help and --version give status 0 and their text, bad
 // usage status 2 and a one-line "dialog-stem: ..." error.
 ParseResult parseOptions(const QStringList& arguments);
+
+}  // namespace ZQ::Dialog::tool
 
 #endif  // DIALOG_STEM_OPTIONS_HPP

@@ -16,13 +16,16 @@
 #include <thread>
 #include <vector>
 
+#include "corpus/input_blocks.hpp"
 #include "corpus/line_stemmer.hpp"
-#include "input_blocks.hpp"
 #include "progress.hpp"
+
+namespace ZQ::Dialog::tool {
 
 namespace {
 
-using dialog_corpus::LineStemmer;
+using corpus::InputBlocks;
+using corpus::LineStemmer;
 
 // Output is handed to standard output in pieces of about this size, also
 // inside one long line, so that a huge line never has its whole result in memory.
@@ -189,10 +192,10 @@ class Parallel {
   ZQ::Dialog::Stemmer& stemmer_;
   const Options& options_;
   unsigned jobs_;
-  std::vector<Slot> slots_;            // block n lives in slot n % size until written
-  dialog_corpus::SharedStems shared_;  // each word goes to the library once
-  std::mutex reading_;                 // held by the thread reading a block
-  std::mutex mutex_;                   // guards what follows and the slots' flags
+  std::vector<Slot> slots_;                 // block n lives in slot n % size until written
+  ZQ::Dialog::corpus::SharedStems shared_;  // each word goes to the library once
+  std::mutex reading_;                      // held by the thread reading a block
+  std::mutex mutex_;                        // guards what follows and the slots' flags
   std::condition_variable changed_;
   std::size_t read_ = 0, written_ = 0;  // blocks so far
   bool writing_ = false;                // a thread is writing blocks
@@ -251,3 +254,5 @@ int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
     fail("cannot write standard output");
   return status;
 }
+
+}  // namespace ZQ::Dialog::tool

@@ -4,6 +4,8 @@
 #include "options.hpp"
 #include "stemmer/stemmer.hpp"
 
+namespace ZQ::Dialog::tool {
+
 // Stems the inputs of `options` (its SENTENCE arguments, else the lines of
 // standard input) with `stemmer` and writes them in `options.format`, with
 // `options.jobs` threads sharing the stemmer, each with its own LineStemmer;
@@ -22,5 +24,7 @@ int lineTooLong(std::size_t number);
 
 // Writes `bytes` to standard output; on failure prints the error and exits 1.
 void writeOut(const char* bytes, std::size_t size);
+
+}  // namespace ZQ::Dialog::tool
 
 #endif  // DIALOG_STEM_RUN_HPP

@@ -8,6 +8,8 @@
 #include "run.hpp"
 #include "stemmer/stemmer.hpp"
 
+namespace ZQ::Dialog::tool {
+
 namespace {
 
 // Bytes of whole lines handed to the library at a time, so that memory stays
@@ -62,3 +64,5 @@ int runStreamMode(const std::string& algorithm) {
   }
   return 0;
 }
+
+}  // namespace ZQ::Dialog::tool

@@ -1,8 +1,10 @@
-#include "stdout_to_stderr.hpp"
+#include "corpus/stdout_to_stderr.hpp"
 
 #include <unistd.h>
 
 #include <cstdio>
+
+namespace ZQ::Dialog::corpus {
 
 StdoutToStderr::StdoutToStderr() {
   std::fflush(stdout);
@@ -20,3 +22,5 @@ StdoutToStderr::~StdoutToStderr() {
   // End the trail's last line so that later messages start on a line of their own.
   std::fputc('\n', stderr);
 }
+
+}  // namespace ZQ::Dialog::corpus

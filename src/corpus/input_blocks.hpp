@@ -1,11 +1,13 @@
-#ifndef DIALOG_STEM_INPUT_BLOCKS_HPP
-#define DIALOG_STEM_INPUT_BLOCKS_HPP
+#ifndef DIALOG_CORPUS_INPUT_BLOCKS_HPP
+#define DIALOG_CORPUS_INPUT_BLOCKS_HPP
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <utility>
+
+namespace ZQ::Dialog::corpus {
 
 // Reads a file descriptor in blocks of whole lines: large blocks while input
 // keeps coming, and at once whatever complete lines have arrived when no more
@@ -50,4 +52,6 @@ class InputBlocks {
   bool end_ = false;
 };
 
-#endif  // DIALOG_STEM_INPUT_BLOCKS_HPP
+}  // namespace ZQ::Dialog::corpus
+
+#endif  // DIALOG_CORPUS_INPUT_BLOCKS_HPP

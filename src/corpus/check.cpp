@@ -1,4 +1,4 @@
-#include "check.hpp"
+#include "corpus/check.hpp"
 
 #include <unistd.h>
 
@@ -7,13 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "corpus/stdout_to_stderr.hpp"
 #include "ku/path.hpp"
-#include "stdout_to_stderr.hpp"
+#include "stemmer/internals.hpp"
 #include "stemmer/stemmer.hpp"
-#include "stemmer/stemmer_p.hpp"
+
+namespace ZQ::Dialog::corpus {
 
 std::string lemmaFileProblem(const std::string& language) {
-  const std::string path = ku::path::findData("dialog", "lemmatizer/" + language + "/lemma", false);
+  const std::string path = ku::path::findData("dialog", lemmaDataPath(language), false);
   if (path.empty()) return "no " + language + " lemma file";
   std::error_code error;
   // The library never opens FIFOs, sockets or devices, which could block it.
@@ -26,7 +28,7 @@ std::string lemmaFileProblem(const std::string& language) {
 
 int runCheck(const std::string& language) {
   const bool japanese = language == "jpj";
-  const std::string relative = japanese ? "data/ipadic/" : "lemmatizer/" + language + "/lemma";
+  const std::string relative = japanese ? "data/ipadic/" : lemmaDataPath(language);
   const std::string found = ku::path::findData("dialog", relative, false);
   std::printf("data \"%s\" of package \"dialog\", looked for in this order:\n", relative.c_str());
   for (const std::string& candidate : ku::path::dataCandidates("dialog", relative, false))
@@ -39,7 +41,7 @@ int runCheck(const std::string& language) {
     bool opens;
     {
       const StdoutToStderr trail;  // the segmenter reports its progress on stdout
-      opens = ZQ::Dialog::Stemmer(language).impl->tagger != nullptr;
+      opens = taggerOpened(Stemmer(language));
     }
     std::printf("dictionary directory %s: %s\n", found.c_str(),
                 opens ? "opens" : "does not open (see the trail above)");
@@ -49,7 +51,9 @@ int runCheck(const std::string& language) {
     std::printf("%s\n", problem.c_str());
     return 1;
   }
-  const ZQ::Dialog::Stemmer stemmer(language);
-  std::printf("lemma file %s: %zu pairs\n", found.c_str(), stemmer.impl->lemDic.size());
+  const Stemmer stemmer(language);
+  std::printf("lemma file %s: %zu pairs\n", found.c_str(), lemmaPairs(stemmer));
   return 0;
 }
+
+}  // namespace ZQ::Dialog::corpus

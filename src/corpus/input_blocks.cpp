@@ -1,10 +1,12 @@
-#include "input_blocks.hpp"
+#include "corpus/input_blocks.hpp"
 
 #include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
+
+namespace ZQ::Dialog::corpus {
 
 InputBlocks::InputBlocks(int fd, std::size_t maxLineBytes) : fd_(fd), maxLineBytes_(maxLineBytes) {}
 
@@ -72,3 +74,5 @@ bool InputBlocks::next(std::string& block) {
   if (observer_ && start > 0) observer_(bytes_, lines_);
   return start > 0;
 }
+
+}  // namespace ZQ::Dialog::corpus

@@ -1,6 +1,6 @@
-// The tool's input reader at a line limit of 4 bytes: the boundary that
+// The front end's input reader at a line limit of 4 bytes: the boundary that
 // dialog-stem keeps at 1 GiB, and lines that blocks must never cut.
-#include "input_blocks.hpp"
+#include "corpus/input_blocks.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -9,6 +9,8 @@
 #include <string>
 
 #include "testing/files.hpp"
+
+using ZQ::Dialog::corpus::InputBlocks;
 
 TEST(InputBlocks, WholeLinesUpToTheFirstOneOverTheLimit) {
   struct Row {
@@ -24,7 +26,7 @@ TEST(InputBlocks, WholeLinesUpToTheFirstOneOverTheLimit) {
       {"over with CR", "abcd\rx\r\n", "", 1},
       {"empty", "", "", 0},
   };
-  const dialog_test::TempDir dir;
+  const ZQ::Dialog::testing::TempDir dir;
   for (const Row& row : rows) {
     const int fd = open(dir.write("in", row.input).c_str(), O_RDONLY);
     InputBlocks input(fd, 4);

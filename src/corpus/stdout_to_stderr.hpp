@@ -1,5 +1,7 @@
-#ifndef DIALOG_STEM_STDOUT_TO_STDERR_HPP
-#define DIALOG_STEM_STDOUT_TO_STDERR_HPP
+#ifndef DIALOG_CORPUS_STDOUT_TO_STDERR_HPP
+#define DIALOG_CORPUS_STDOUT_TO_STDERR_HPP
+
+namespace ZQ::Dialog::corpus {
 
 // While alive, whatever is written to standard output (file descriptor 1, C
 // stdio included) goes to standard error instead. Used around the Japanese
@@ -15,4 +17,6 @@ class StdoutToStderr {
   int saved_;
 };
 
-#endif  // DIALOG_STEM_STDOUT_TO_STDERR_HPP
+}  // namespace ZQ::Dialog::corpus
+
+#endif  // DIALOG_CORPUS_STDOUT_TO_STDERR_HPP

@@ -1,7 +1,9 @@
-#ifndef DIALOG_STEM_CHECK_HPP
-#define DIALOG_STEM_CHECK_HPP
+#ifndef DIALOG_CORPUS_CHECK_HPP
+#define DIALOG_CORPUS_CHECK_HPP
 
 #include <string>
+
+namespace ZQ::Dialog::corpus {
 
 // --check: prints each place where the data of `language` is looked for, in
 // order, marks the one that holds it, and for enu and frf counts the lemma
@@ -15,4 +17,6 @@ int runCheck(const std::string& language);
 // it can be read.
 std::string lemmaFileProblem(const std::string& language);
 
-#endif  // DIALOG_STEM_CHECK_HPP
+}  // namespace ZQ::Dialog::corpus
+
+#endif  // DIALOG_CORPUS_CHECK_HPP
