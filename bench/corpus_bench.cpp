@@ -220,7 +220,7 @@ void jobs(benchmark::State& state, const std::string& lang, int count) {
 void progress(benchmark::State& state, const std::string& lang, const std::string& impl) {
   if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
   const std::string& input = corpusFile(lang, 32);
-  const dialog_test::DataRoot root(dialog_test::realisticData(lang).prefix);
+  const ZQ::Dialog::testing::DataRoot root(ZQ::Dialog::testing::realisticData(lang).prefix);
   // Nothing reads the far end: a run's few reports fit in the terminal's buffer.
   int far, near;
   if (openpty(&far, &near, nullptr, nullptr, nullptr) != 0)
