@@ -48,7 +48,8 @@ def verb_readings(lefff_path):
             form, lemma, feats = cols[0], cols[2], cols[3]
             tenses = {c for c in feats if c.isupper()}
             persons = [c for c in feats if c.isdigit()]
-            if (not tenses & INVERTING_FREQUENT or not persons or feats[-1] not in "sp"
+            if (not tenses & INVERTING_FREQUENT or not persons
+                    or feats[-1] not in "sp"
                     or not form.islower() or "-" in form or "'" in form
                     or not lemmacommon.valid_entry(form)
                     or not lemmacommon.valid_entry(lemma)):
@@ -66,7 +67,8 @@ def evidence_verbs(treebanks):
         with open(path, "r", encoding="utf-8") as f:
             for line in f:
                 cols = line.split("\t")
-                if len(cols) > 3 and cols[0].isdigit() and cols[3] in ("VERB", "AUX"):
+                if (len(cols) > 3 and cols[0].isdigit()
+                        and cols[3] in ("VERB", "AUX")):
                     verbs.add(cols[2])
     return verbs
 

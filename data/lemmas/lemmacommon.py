@@ -98,11 +98,10 @@ def follow_lower_case(mapping, kept):
     -> "child", "Mangez" -> "manger"). mapping must hold the known words
     as pairs, identity pairs included: a capital that drops an accent
     ("Etat" -> "état") has no lower-case spelling there and keeps its lemma.
-    A form whose lemma keeps a capital is
-    a word of its own ("Bush", "Department") and stays, and so do single
-    letters, which drop_letter_expansions settles. kept: capitalised forms
-    left alone ("A" is also "à" without its accent). Returns the
-    number of lemmas changed."""
+    A form whose lemma keeps a capital is a word of its own ("Bush",
+    "Department") and stays, and so do single letters, which
+    drop_letter_expansions settles. kept: capitalised forms left alone ("A"
+    is also "à" without its accent). Returns the number of lemmas changed."""
     changed = 0
     for form in sorted(mapping, key=utf16_key):
         lower = form.lower()
