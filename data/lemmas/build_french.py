@@ -26,8 +26,8 @@ Elided forms are stored both as tokens with their apostrophe ("l'", "L'",
 Multiword entries and abbreviations are left out, and so are the rare verb
 forms of rare_verb_form(). Closed-class words, adverbs, infinitives,
 imperatives and the words the evidence shows get a capitalised variant
-unless the Lefff lists it as a name ("Pierre"); inverted questions come
-from french_questions.py. The evidence rules of evidence.py then settle
+unless the Lefff lists it as a name ("Pierre"); inverted questions and
+imperatives with their object come from french_questions.py. The evidence rules of evidence.py then settle
 what the lexicon leaves open. Last, the rules that nothing overrides
 (lemmacommon.apply_final_rules): a lower-case form gets a lower-case lemma
 ("monsieur", not "Monsieur"), a single letter stands for a longer word only
@@ -360,15 +360,8 @@ def build(lefff_path, treebanks):
         mapping[form] = CAPITAL_WORDS[form]
     for form in sorted(HYPHEN_CLITICS):
         mapping[form] = HYPHEN_CLITICS[form]
-    # Inverted questions ("Voulez-vous"), unless the Lefff lists the piece
-    # as a word of its own ("rendez-vous").
-    questions = french_questions.inverted_questions(
-        french_questions.verb_readings(lefff_path),
-        french_questions.evidence_verbs(treebanks) | FREQUENT_VERBS,
-        lemmas, FREQUENT_VERBS)
-    for piece in sorted(questions, key=lemmacommon.utf16_key):
-        if piece.lower() not in lemmas:
-            mapping.setdefault(piece, questions[piece])
+    french_questions.add_pieces(mapping, lemmas, lefff_path, treebanks,
+                                FREQUENT_VERBS)
     # Capitalised variants only where they earn their place: closed-class
     # words, adverbs, infinitives and imperatives (a typed request starts
     # with one: "Mangez", "Nommez"), and words the evidence shows
@@ -378,6 +371,7 @@ def build(lefff_path, treebanks):
     seen = evidence.frequent_forms(readings)
     wanted = {f: l for f, l in lower.items() if f in seen or f in opening}
     lemmacommon.add_capitalised(mapping, wanted, attested)
+    french_questions.add_plain_capitals(mapping, attested, opening)
     evidence.add_typographic_apostrophes(mapping)
     letters = {w for w in FUNCTION_WORDS if len(w) == 1}
     lemmacommon.apply_final_rules(mapping, letters | {

@@ -19,9 +19,10 @@ namespace {
 const char* const kLanguages[][4] = {{"enu", "dmst", "i me", ""},
                                      {"frf", "acdjlmnstyACDJLNSY", "", "A"}};
 
-// The hyphen-joined subject clitics of a French inverted question ("-t-il" ends with "-il").
-const QStringList kSubjectClitics = {"-je",   "-tu",   "-il",  "-elle",  "-on",
-                                     "-nous", "-vous", "-ils", "-elles", "-ce"};
+// The hyphen-joined clitics of a French inverted question ("-t-il" ends with "-il") or request.
+const QStringList kClitics = {"-je",   "-tu",  "-il",    "-elle", "-on",  "-nous",
+                              "-vous", "-ils", "-elles", "-ce",   "-moi", "-toi",
+                              "-le",   "-la",  "-les",   "-en",   "-y"};
 
 QMap<QString, QString> readPairs(const std::string& path, QStringList& lines) {
   lines = QString::fromStdString(dialog_test::readFile(path)).split('\n');
@@ -56,9 +57,9 @@ TEST(DefaultData, EveryPairKeepsTheFormatCaseAndLetters) {
           (lowerCase && lemma != lemma.toLower() && !ownLemmas.contains(form)) ||
           (letter && lemma.size() > 1) || (capitalised && pairs.value(lower) != lemma))
         bad << form + " -> " + lemma;
-      // A French inverted question is listed with a capital too, with the same lemma.
+      // A French inverted question or request is listed with a capital too, with the same lemma.
       const bool question = std::string(code) == "frf" && lowerCase && !form.startsWith('-') &&
-                            kSubjectClitics.contains(form.mid(form.lastIndexOf('-')));
+                            kClitics.contains(form.mid(form.lastIndexOf('-')));
       if (question && pairs.value(form.left(1).toUpper() + form.mid(1)) != lemma)
         bad << form + " -> " + lemma + " (no capitalised spelling)";
     }
@@ -81,6 +82,8 @@ const char* const kDialogRows[][3] = {
     {"frf", "Peut-on Est-ce", "pouvoir être"},
     {"frf", "Y a-t-il A-t-il va-t-on", "y avoir avoir aller"},
     {"frf", "Suis-je Pourriez-vous habitez-vous", "être pouvoir habiter"},
+    {"frf", "Donnez-moi Allons-y vas-y", "donner aller aller"},
+    {"frf", "Etes-vous Ecoutez", "être écouter"},
     {"frf", "Rendez-vous Pierre", "rendez-vous Pierre"},
 };
 
