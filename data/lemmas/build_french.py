@@ -27,8 +27,8 @@ Multiword entries and abbreviations are left out, and so are the rare verb
 forms of rare_verb_form(). Closed-class words, adverbs, infinitives,
 imperatives and the words the evidence shows get a capitalised variant
 unless the Lefff lists it as a name ("Pierre"); inverted questions and
-imperatives with their object come from french_questions.py. The evidence rules of evidence.py then settle
-what the lexicon leaves open. Last, the rules that nothing overrides
+imperatives with their object come from french_questions.py. The evidence
+rules of evidence.py then settle what the lexicon leaves open. Last, the rules that nothing overrides
 (lemmacommon.apply_final_rules): a lower-case form gets a lower-case lemma
 ("monsieur", not "Monsieur"), a single letter stands for a longer word only
 as an elided piece or the table's "a" -> "avoir", and a capitalised form
@@ -193,8 +193,8 @@ def clean_lemma(lemma):
 def read_lefff(path):
     """Returns ({key: [[rank, lemma, adjective participle, noun gender,
     subjunctive or simple past only, past participle, present participle,
-    a verb reading's first tense letter or ""]]}, set of capitalised words, set of lemmas that are
-    citation forms)."""
+    a verb reading's first tense letter or ""]]}, set of capitalised words,
+    set of lemmas that are citation forms)."""
     candidates = {}
     attested = set()
     citation = set()
