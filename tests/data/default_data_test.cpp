@@ -6,6 +6,7 @@
 #include <QMap>
 #include <QStringList>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "stemmer/stemmer.hpp"
@@ -24,6 +25,7 @@ const QStringList kClitics = {"-je",   "-tu",  "-il",    "-elle", "-on",  "-nous
                               "-vous", "-ils", "-elles", "-ce",   "-moi", "-toi",
                               "-le",   "-la",  "-les",   "-en",   "-y"};
 
+// The lines of a lemma file, and its pairs to look a form's lower-case spelling up in.
 QMap<QString, QString> readPairs(const std::string& path, QStringList& lines) {
   lines = QString::fromStdString(dialog_test::readFile(path)).split('\n');
   QMap<QString, QString> pairs;
