@@ -1,10 +1,12 @@
 """The Python module against the C++ library (through dialog-stem), on a lemma
 file of the test's own. Run by CTest with PYTHONPATH at the built module."""
 
+import contextlib
 import copy
 import logging
 import os
 import pickle
+import pty
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
@@ -153,6 +155,18 @@ def test_dask_example_equals_the_tool(tmp_path, workers):
         pytest.importorskip(module, reason=f"python3-{module} is not installed")
     corpus = b"".join(b"%d dogs don't went\n" % i for i in range(3000)) + RAW  # blocks of 8 KiB
     (tmp_path / "in.txt").write_bytes(corpus)
-    subprocess.run([sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB",
-                    str(tmp_path / "in.txt"), str(tmp_path / "out.jsonl")], check=True)
+    command = [sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB",
+               str(tmp_path / "in.txt"), str(tmp_path / "out.jsonl")]
+    assert subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout == b""
+    assert (tmp_path / "out.jsonl").read_bytes() == tool("--format", "jsonl", text=corpus)
+    # On a terminal, Dask's own progress bar; the output stays the same.
+    far, near = pty.openpty()
+    example = subprocess.Popen(command, stdout=near)
+    os.close(near)
+    shown = b""
+    with contextlib.suppress(OSError):  # EIO once the example has ended
+        while chunk := os.read(far, 4096):
+            shown += chunk
+    os.close(far)
+    assert example.wait() == 0 and b"100% Completed" in shown, shown
     assert (tmp_path / "out.jsonl").read_bytes() == tool("--format", "jsonl", text=corpus)
