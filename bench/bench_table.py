@@ -23,6 +23,7 @@ OPERATIONS = {
     "corpus": ("bytes_per_second", "B/s", "per_line", {"*": 4.0}),
     "tool": ("bytes_per_second", "B/s", "per_line", {"*": 4.0}),
     "jobs": ("bytes_per_second", "B/s", "1_job", {"*": 1.7}),
+    "progress": ("bytes_per_second", "B/s", "without", {"*": 0.99}),
     "lineMemory": ("rss_per_line_byte", "× line", None, {"*": 4.0}),
     "morphemes": ("chars_per_second", "chars/s", "bare_walk", {"*": 0.90}),
     "jpjTool": ("bytes_per_second", "B/s", "mecab_command", {"*": 1.0}),
@@ -32,7 +33,7 @@ LOWER = ("construct", "jpjOpen", "memory", "lineMemory")
 ABSOLUTE = ("memory", "lineMemory")  # bounds on the figure itself, not on a ratio
 # The implementations a bound applies to, where it is not "library".
 TARGETED = {"corpus": ("line_stemmer",), "tool": ("dialog_stem",), "jobs": ("2_jobs",),
-            "lineMemory": ("lines",), "morphemes": ("morpheme_mode",),
+            "progress": ("shown",), "lineMemory": ("lines",), "morphemes": ("morpheme_mode",),
             "jpjTool": ("dialog_stem",), "jpjJobs": ("2_jobs",)}
 
 

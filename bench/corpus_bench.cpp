@@ -1,10 +1,13 @@
 // Corpus stemming as dialog-stem does it: LineStemmer over the treebank text
 // beside a per-line stem_sentence loop, in this process and as programs; the
-// tool with two jobs beside one; the tool's peak memory on a 200 MB line; the
-// Japanese morpheme mode beside MeCab's own program, on one and two jobs.
+// tool with two jobs beside one, and with --progress beside without; the
+// tool's peak memory on a 200 MB line; the Japanese morpheme mode beside
+// MeCab's own program, on one and two jobs.
 
 #include <fcntl.h>
+#include <pty.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -122,8 +125,10 @@ void corpus(benchmark::State& state, const std::string& lang, const std::string&
 // Runs `command` on the file `input`, output dropped; returns its wall time in
 // seconds, and its peak resident memory in `peakBytes`, read from /proc while
 // it runs (its own figure: ru_maxrss would carry this program's peak over
-// exec). Negative when it fails.
-double runTool(const std::vector<std::string>& command, const std::string& input, long& peakBytes) {
+// exec). Standard error goes to `errFd` when it is not -1, and the CPU time
+// (user and system) to `cpuSeconds` when given. Negative when it fails.
+double runTool(const std::vector<std::string>& command, const std::string& input, long& peakBytes,
+               int errFd = -1, double* cpuSeconds = nullptr) {
   std::vector<char*> argv;
   for (const std::string& arg : command) argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
@@ -131,6 +136,7 @@ double runTool(const std::vector<std::string>& command, const std::string& input
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  if (errFd != -1) posix_spawn_file_actions_adddup2(&actions, errFd, 2);
   const auto start = std::chrono::steady_clock::now();
   pid_t pid;
   const int failed = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
@@ -139,7 +145,8 @@ double runTool(const std::vector<std::string>& command, const std::string& input
   int status = 0;
   peakBytes = 0;
   const std::string statusFile = "/proc/" + std::to_string(pid) + "/status";
-  while (waitpid(pid, &status, WNOHANG) == 0) {
+  rusage usage{};
+  while (wait4(pid, &status, WNOHANG, &usage) == 0) {
     std::ifstream in(statusFile);
     for (std::string line; std::getline(in, line);)
       if (line.rfind("VmHWM:", 0) == 0)
@@ -147,6 +154,9 @@ double runTool(const std::vector<std::string>& command, const std::string& input
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  if (cpuSeconds)
+    *cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                  static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
   return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? seconds.count() : -1;
 }
 
@@ -201,6 +211,34 @@ void jobs(benchmark::State& state, const std::string& lang, int count) {
     if (seconds < 0) return state.SkipWithError("dialog-stem failed");
     state.SetIterationTime(seconds);
   }
+  state.SetBytesProcessed(
+      static_cast<std::int64_t>(state.iterations() * std::ifstream(input, std::ios::ate).tellg()));
+}
+
+// dialog-stem --progress ("shown") or the same run without it ("without") on
+// 32 MB of the language's text, standard error on a pseudo-terminal, where
+// reports come most often (4 a second): CPU time, user and system, which the
+// machine's other load moves far less than wall time.
+void progress(benchmark::State& state, const std::string& lang, const std::string& impl) {
+  if (!corpusFor(lang).error.empty()) return state.SkipWithError(corpusFor(lang).error.c_str());
+  const std::string& input = corpusFile(lang, 32);
+  const ZQ::Dialog::testing::DataRoot root(ZQ::Dialog::testing::realisticData(lang).prefix);
+  // Nothing reads the far end: a run's few reports fit in the terminal's buffer.
+  int far, near;
+  if (openpty(&far, &near, nullptr, nullptr, nullptr) != 0)
+    return state.SkipWithError("no pseudo-terminal");
+  std::vector<std::string> command{DIALOG_STEM_PATH, "--lang", lang};
+  if (impl == "shown") command.push_back("--progress");
+  long peak;
+  for (auto _ : state) {
+    double seconds = 0;
+    if (runTool(command, input, peak, near, &seconds) < 0) {
+      state.SkipWithError("dialog-stem failed");
+      break;
+    }
+    state.SetIterationTime(seconds);
+  }
+  close(far), close(near);
   state.SetBytesProcessed(
       static_cast<std::int64_t>(state.iterations() * std::ifstream(input, std::ios::ate).tellg()));
 }
@@ -273,6 +311,7 @@ void skip(benchmark::State& state) {
 }
 void tool(benchmark::State& state, const std::string&, const std::string&) { skip(state); }
 void jobs(benchmark::State& state, const std::string&, int) { skip(state); }
+void progress(benchmark::State& state, const std::string&, const std::string&) { skip(state); }
 void lineMemory(benchmark::State& state, const std::string&) { skip(state); }
 void jpjJobs(benchmark::State& state, const std::string&) { skip(state); }
 void jpjTool(benchmark::State& state, const std::string&) { skip(state); }
@@ -294,6 +333,10 @@ BENCHMARK_CAPTURE(jobs, enu/2_jobs, "enu", 2)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, enu/1_job, "enu", 1)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, frf/2_jobs, "frf", 2)->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jobs, frf/1_job, "frf", 1)->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, enu/shown, "enu", "shown")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, enu/without, "enu", "without")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, frf/shown, "frf", "shown")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(progress, frf/without, "frf", "without")->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(lineMemory, 200MB_line/lines, "lines")->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jpjJobs, morphemes/2_jobs, "2_jobs")->UseManualTime()->Iterations(1);
 BENCHMARK_CAPTURE(jpjJobs, morphemes/1_job, "1_job")->UseManualTime()->Iterations(1);

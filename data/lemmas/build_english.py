@@ -42,10 +42,11 @@ evidence.py then settle what the lexicons leave open, and all-capitals
 forms the evidence never shows follow their other spellings' evidence; the
 contraction pieces and the contraction tokens ("n't", "'ll") keep the
 tables' lemmas.
-Last, two rules that nothing overrides (lemmacommon.apply_final_rules): a
-lower-case form gets a lower-case lemma ("airlines" -> "airline", "me" ->
-"i"), and a single letter stands for a longer word only as a contraction
-piece ("t" -> "not"; "b" is not "billion", "u" not "you").
+Last, the rules that nothing overrides (lemmacommon.apply_final_rules): a
+lower-case form gets a lower-case lemma ("airlines" -> "airline") but for
+the pronoun ("i", "me" -> "I"), a single letter stands for a longer word
+only as a contraction piece ("t" -> "not"; "b" is not "billion"), and a
+capitalised form with a lower-case lemma follows its lower-case spelling.
 """
 
 import argparse
@@ -92,11 +93,10 @@ FUNCTION_WORDS = {
     "ll": "will", "wo": "will", "d": "would", "ca": "can", "t": "not",
     "couldn": "could", "wouldn": "would", "shouldn": "should",
     "mustn": "must", "needn": "need", "mightn": "might",
-    "me": "i", "him": "he", "us": "we", "them": "they",
+    "me": "I", "him": "he", "us": "we", "them": "they",
     "thanks": "thanks", "regards": "regards", "others": "other",
     "an": "a", "these": "this", "those": "that",
 }
-
 
 # The pieces above that only a cut at apostrophes produces: the evidence
 # (whole tokens) never sees them as such ("m" there is "million"), so the
@@ -110,13 +110,13 @@ CONTRACTION_PIECES = {
 # Contraction tokens as a tokenizer cuts them ("do" + "n't", "I" + "'m"),
 # beside the pieces above that a sentence cut at apostrophes gives. "'s" is
 # left to the evidence: possessive or "is"/"has".
-CONTRACTIONS = {
-    "n't": "not", "'m": "be", "'re": "be", "'ve": "have", "'ll": "will",
-    "'d": "would",
-}
+CONTRACTIONS = {"n't": "not", "'m": "be", "'re": "be", "'ve": "have",
+                "'ll": "will", "'d": "would"}
 
+# The one exception to "lower-case forms get lower-case lemmas", as the
+# treebanks write it.
+PRONOUN = {"i": "I", "me": "I"}
 NOUN_TAGS = {"NN", "NNS", "NNP", "NNPS"}
-
 
 # Capitalised words that are names even though the lower-case word is common.
 NAMES = {
@@ -380,7 +380,7 @@ def build(wn_dir, words_path, wink_dir, treebanks):
         mapping[token] = mapping[token.upper()] = CONTRACTIONS[token]
     evidence.add_typographic_apostrophes(mapping)
     lemmacommon.apply_final_rules(
-        mapping, {w for w in FUNCTION_WORDS if len(w) == 1})
+        mapping, {w for w in FUNCTION_WORDS if len(w) == 1}, PRONOUN)
     return mapping
 
 

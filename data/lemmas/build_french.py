@@ -24,14 +24,15 @@ possessives -> "son", subject and object clitics -> stressed pronoun).
 Elided forms are stored both as tokens with their apostrophe ("l'", "L'",
 "qu'") and as the pieces a sentence cut at apostrophes gives ("l", "qu").
 Multiword entries and abbreviations are left out, and so are the rare verb
-forms of rare_verb_form(). Closed-class words, adverbs and the words the
-evidence shows get a capitalised variant (for sentence-initial words) unless
-the capitalised form is a word of its own in the Lefff (a proper noun such as
-"Pierre"). The evidence rules of evidence.py then settle what the lexicon
-leaves open. Last, two rules that nothing overrides
+forms of rare_verb_form(). Closed-class words, adverbs, infinitives,
+imperatives and the words the evidence shows get a capitalised variant
+unless the Lefff lists it as a name ("Pierre"); inverted questions and
+imperatives with their object come from french_questions.py. The evidence
+rules of evidence.py then settle what the lexicon leaves open. Last, the rules that nothing overrides
 (lemmacommon.apply_final_rules): a lower-case form gets a lower-case lemma
-("monsieur" stays "monsieur", not "Monsieur"), and a single letter stands
-for a longer word only as an elided piece or the table's "a" -> "avoir".
+("monsieur", not "Monsieur"), a single letter stands for a longer word only
+as an elided piece or the table's "a" -> "avoir", and a capitalised form
+with a lower-case lemma follows its lower-case spelling (but "A" -> "à").
 
 Exceptions to the category order, each settled by the shape of the
 ambiguity rather than by word: a noun beats a past participle that the
@@ -39,10 +40,9 @@ Lefff does not also list as an adjective ("partie", "parti"); a past
 participle beats a preposition ("passé") and an adverb beats a present
 participle ("maintenant"); a frequent verb's subjunctive or simple past
 yields to a noun or adjective homograph ("voie", "vins"). Feminine nouns
-are their own lemma ("présidente", "amies" -> "amie"). Spelling variants
-are added: "œ" for the Lefff's "oe" ("cœur", and lemmas such as "œil"),
-and "i"/"u" for "î"/"û" ("connaitre", "abime"). Clitics cut off after a
-verb's hyphen ("-il", "-t-elle") follow the pronoun table.
+are their own lemma ("présidente"). Spelling variants are added: "œ" for
+the Lefff's "oe" ("cœur", "œil"), "i"/"u" for "î"/"û" ("connaitre").
+Clitics cut off after a verb's hyphen ("-il") follow the pronoun table.
 """
 
 import argparse
@@ -51,6 +51,7 @@ import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import evidence  # noqa: E402
+import french_questions  # noqa: E402
 import lemmacommon  # noqa: E402
 
 # Earlier categories win: function words, then forms of the most frequent
@@ -191,9 +192,9 @@ def clean_lemma(lemma):
 
 def read_lefff(path):
     """Returns ({key: [[rank, lemma, adjective participle, noun gender,
-    subjunctive or simple past only, past participle, present
-    participle]]}, set of capitalised words, set of lemmas that are
-    citation forms)."""
+    subjunctive or simple past only, past participle, present participle,
+    a verb reading's first tense letter or ""]]}, set of capitalised words,
+    set of lemmas that are citation forms)."""
     candidates = {}
     attested = set()
     citation = set()
@@ -247,7 +248,8 @@ def read_lefff(path):
             candidates.setdefault(key, []).append(
                 [CATEGORY_RANK[cat], lemma, adjective_participle, gender,
                  rare_tense, feats.startswith("K"),
-                 cat == "v" and feats.startswith("G")])
+                 cat == "v" and feats.startswith("G"),
+                 feats[:1] if cat in ("v", "vFreq") else ""])
     # A feminine noun is its own lemma ("présidente", "amies" -> "amie"),
     # not the masculine noun the Lefff gives.
     for key, cands in candidates.items():
@@ -338,13 +340,15 @@ def build(lefff_path, treebanks):
     for form in sorted(FUNCTION_WORDS):
         lemmas[form] = FUNCTION_WORDS[form]
     lower = {f: l for f, l in lemmas.items() if f[0].islower()}
-    # A capitalised closed-class word ("Vers", "Aucun") is that word at the
+    # A capitalised closed-class word ("Vers", "Aucun") or a verb in the
+    # infinitive or the imperative ("Allons", "Venir") is that word at the
     # start of a sentence even when the Lefff also lists it as a name.
     closed_rank = CATEGORY_RANK["vFreq"]
-    for form in sorted(lower):
-        if any(c[0] < closed_rank or c[0] == CATEGORY_RANK["adv"]
-               for c in candidates.get(form, ())):
-            attested.discard(lemmacommon.upper_first(form))
+    opening = {f for f in lower
+               if any(c[0] < closed_rank or c[0] == CATEGORY_RANK["adv"]
+                      or c[7] in ("W", "Y") for c in candidates.get(f, ()))}
+    for form in sorted(opening):
+        attested.discard(lemmacommon.upper_first(form))
     mapping = dict((f, l) for f, l in lemmas.items())
     for form in sorted(FUNCTION_WORDS):
         cap = lemmacommon.upper_first(form)
@@ -356,19 +360,23 @@ def build(lefff_path, treebanks):
         mapping[form] = CAPITAL_WORDS[form]
     for form in sorted(HYPHEN_CLITICS):
         mapping[form] = HYPHEN_CLITICS[form]
+    french_questions.add_pieces(mapping, lemmas, lefff_path, treebanks,
+                                FREQUENT_VERBS)
     # Capitalised variants only where they earn their place: closed-class
-    # words and adverbs, and words the evidence shows (sentence-initial and
-    # title words are mostly those); the other capitalised forms are rare
-    # enough that they would double the file for a few hits.
+    # words, adverbs, infinitives and imperatives (a typed request starts
+    # with one: "Mangez", "Nommez"), and words the evidence shows
+    # (sentence-initial and title words are mostly those); the other
+    # capitalised forms are rare enough that they would double the file for
+    # a few hits, and are more often names than sentence-initial words.
     seen = evidence.frequent_forms(readings)
-    wanted = {f: l for f, l in lower.items()
-              if f in seen or any(c[0] < closed_rank or c[0] == CATEGORY_RANK["adv"]
-                                         for c in candidates.get(f, ()))}
+    wanted = {f: l for f, l in lower.items() if f in seen or f in opening}
     lemmacommon.add_capitalised(mapping, wanted, attested)
+    french_questions.add_plain_capitals(mapping, attested, opening)
     evidence.add_typographic_apostrophes(mapping)
     letters = {w for w in FUNCTION_WORDS if len(w) == 1}
     lemmacommon.apply_final_rules(mapping, letters | {
-        lemmacommon.upper_first(w) for w in letters - NO_CAPITAL})
+        lemmacommon.upper_first(w) for w in letters - NO_CAPITAL},
+        kept=CAPITAL_WORDS)
     return mapping
 
 

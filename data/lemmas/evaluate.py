@@ -16,14 +16,16 @@ compared with its gold lemma (column 3):
             the cut of "don't" gives "don" and "t".
 
 Each measure is reported overall, on words whose gold lemma differs from
-the form ("inflected") and on words whose gold lemma is the form ("kept").
+the form ("inflected") and on words whose gold lemma is the form ("kept"),
+for all words, for sentence-initial words (the first word of a sentence
+that holds a letter, where a typed utterance has its capital) and for the
+rest.
 """
 
 import os
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-import evidence  # noqa: E402
 import lemmacommon  # noqa: E402
 
 
@@ -41,6 +43,32 @@ def predict_sentence(mapping, form):
 
 
 MEASURES = (("word", predict_word), ("sentence", predict_sentence))
+PARTS = ("all", "initial", "rest")
+
+
+def read_words(path):
+    """{(form, gold lemma, sentence-initial): count} over the word lines
+    of a CoNLL-U file."""
+    words = {}
+    lemmacommon.require_file(path, "treebank")
+    with open(path, "r", encoding="utf-8") as f:
+        initial = True
+        for line in f:
+            if not line.strip():
+                initial = True
+                continue
+            if line.startswith("#"):
+                continue
+            cols = line.rstrip("\n").split("\t")
+            if len(cols) < 3 or not cols[0].isdigit():
+                continue
+            first = initial and any(c.isalpha() for c in cols[1])
+            initial = initial and not first
+            key = (cols[1], cols[2], first)
+            words[key] = words.get(key, 0) + 1
+    return words
+
+
 
 
 def main(argv):
@@ -48,28 +76,33 @@ def main(argv):
         lemmacommon.fail("usage: evaluate.py LEMMAFILE CONLLU")
     lemmacommon.require_file(argv[1], "lemma file")
     mapping = lemmacommon.read_pairs(argv[1])
-    readings = evidence.read_conllu([argv[2]])
-    # counts[measure][kind] = [right, all]
-    counts = {m: {"inflected": [0, 0], "kept": [0, 0]} for m, _ in MEASURES}
-    for form, lemmas in readings.items():
-        for gold, n in lemmas.items():
-            kind = "kept" if gold == form else "inflected"
-            for name, predict in MEASURES:
-                counts[name][kind][1] += n
-                if predict(mapping, form) == gold:
-                    counts[name][kind][0] += n
-    if sum(counts["word"][k][1] for k in ("inflected", "kept")) == 0:
+    words = read_words(argv[2])
+    # counts[measure][part][kind] = [right, all]
+    counts = {m: {p: {"inflected": [0, 0], "kept": [0, 0]} for p in PARTS}
+              for m, _ in MEASURES}
+    for (form, gold, first), n in words.items():
+        kind = "kept" if gold == form else "inflected"
+        for name, predict in MEASURES:
+            right = predict(mapping, form) == gold
+            for part in ("all", "initial" if first else "rest"):
+                cell = counts[name][part][kind]
+                cell[0] += n if right else 0
+                cell[1] += n
+    if not words:
         lemmacommon.fail("no word lines in %s" % argv[2])
 
     print("pairs %d" % len(mapping))
-    print("%-9s %-20s %-20s %-20s" % ("measure", "overall", "inflected", "kept"))
+    print("%-9s %-8s %-20s %-20s %-20s"
+          % ("measure", "words", "overall", "inflected", "kept"))
     for name, _ in MEASURES:
-        c = counts[name]
-        ok = c["inflected"][0] + c["kept"][0]
-        n = c["inflected"][1] + c["kept"][1]
-        cells = ["%.4f (%d/%d)" % (r / t if t else 0.0, r, t)
-                 for r, t in ((ok, n), tuple(c["inflected"]), tuple(c["kept"]))]
-        print("%-9s %-20s %-20s %-20s" % (name, *cells))
+        for part in PARTS:
+            c = counts[name][part]
+            ok = c["inflected"][0] + c["kept"][0]
+            n = c["inflected"][1] + c["kept"][1]
+            cells = ["%.4f (%d/%d)" % (r / t if t else 0.0, r, t)
+                     for r, t in ((ok, n), tuple(c["inflected"]),
+                                  tuple(c["kept"]))]
+            print("%-9s %-8s %-20s %-20s %-20s" % (name, part, *cells))
     return 0
 
 

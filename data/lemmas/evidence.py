@@ -24,6 +24,7 @@ import lemmacommon
 
 MIN_COUNT = 1
 MIN_SHARE = 0.5
+NAME_SHARE = 0.1
 
 
 def read_conllu(paths):
@@ -58,13 +59,24 @@ def attested_lemma(counts, current):
 def apply_attested(mapping, readings):
     """Rule 1: mapping[form] follows the evidence where it settles a form.
     A form that is its own lemma is stored as an identity pair, which the
-    writer leaves out."""
+    writer leaves out. A capitalised form settled on a capitalised lemma
+    is a name only when it is seen at least NAME_SHARE times as often as
+    its lower-case spelling; else it is mostly that word at the start of a
+    sentence ("Children", seen once in a name beside many "children") and
+    gets a lower-case lemma, which lemmacommon.follow_lower_case later
+    makes its lower-case spelling's."""
     for form in sorted(readings, key=lemmacommon.utf16_key):
         if not lemmacommon.valid_entry(form):
             continue
         lemma = attested_lemma(readings[form], mapping.get(form, form))
-        if lemma is not None and lemmacommon.valid_entry(lemma):
-            mapping[form] = lemma
+        if lemma is None or not lemmacommon.valid_entry(lemma):
+            continue
+        lower = form.lower()
+        if (lemma != lemma.lower() and lemmacommon.upper_first(lower) == form
+                and sum(readings[form].values())
+                < NAME_SHARE * sum(readings.get(lower, {}).values())):
+            lemma = lower
+        mapping[form] = lemma
 
 
 def add_capitals(mapping, readings, min_length=3):

@@ -73,17 +73,46 @@ def add_capitalised(mapping, lowercase_lemmas, attested):
         mapping[cap] = lowercase_lemmas[form]
 
 
-def lower_case_lemmas(mapping):
+def lower_case_lemmas(mapping, own_lemmas):
     """A form written in lower case (it has cased letters, all of them lower
     case) gets its lemma in lower case: "airlines" -> "airline", never
     "Airline", so that "airline" and "airlines" share their normal form.
-    Forms without cased letters are left alone. Returns the number of lemmas
-    changed."""
+    Forms without cased letters are left alone; own_lemmas {form: lemma}
+    lists the exceptions (English "i" and "me" -> "I"), which take their
+    table's lemma. Returns the number of lemmas changed."""
     changed = 0
     for form in sorted(mapping, key=utf16_key):
+        lemma = own_lemmas.get(form, mapping[form].lower())
+        if form.islower() and lemma != mapping[form]:
+            mapping[form] = lemma
+            changed += 1
+    for form in sorted(own_lemmas, key=utf16_key):
+        mapping[form] = own_lemmas[form]
+    return changed
+
+
+def follow_lower_case(mapping, kept):
+    """A capitalised form (capital first letter, no other capital) whose
+    lemma is written in lower case is its lower-case spelling at the start
+    of a sentence, and so gets exactly what that spelling gets ("Children"
+    -> "child", "Mangez" -> "manger"). mapping must hold the known words
+    as pairs, identity pairs included: a capital that drops an accent
+    ("Etat" -> "état") has no lower-case spelling there and keeps its lemma.
+    A form whose lemma keeps a capital is a word of its own ("Bush",
+    "Department") and stays, and so do single letters, which
+    drop_letter_expansions settles. kept: capitalised forms left alone ("A"
+    is also "à" without its accent). Returns the number of lemmas changed."""
+    changed = 0
+    for form in sorted(mapping, key=utf16_key):
+        lower = form.lower()
         lemma = mapping[form]
-        if form.islower() and lemma != lemma.lower():
-            mapping[form] = lemma.lower()
+        if (len(form) == 1 or form == lower or upper_first(lower) != form
+                or form in kept or lemma != lemma.lower()
+                or lower not in mapping):
+            continue
+        target = mapping[lower]
+        if target != lemma:
+            mapping[form] = target
             changed += 1
     return changed
 
@@ -104,13 +133,16 @@ def drop_letter_expansions(mapping, letter_words):
     return dropped
 
 
-def apply_final_rules(mapping, letter_words):
+def apply_final_rules(mapping, letter_words, own_lemmas=None, kept=()):
     """The rules no lexicon or treebank choice may override, applied last
-    by both builders: lower_case_lemmas and drop_letter_expansions."""
-    lowered = lower_case_lemmas(mapping)
+    by both builders: lower_case_lemmas, drop_letter_expansions and
+    follow_lower_case."""
+    lowered = lower_case_lemmas(mapping, own_lemmas or {})
     dropped = drop_letter_expansions(mapping, letter_words)
+    followed = follow_lower_case(mapping, set(kept))
     sys.stderr.write("lower-case forms: %d lemmas lowered; single letters: "
-                     "%d expansions dropped\n" % (lowered, dropped))
+                     "%d expansions dropped; capitalised forms: %d follow "
+                     "their lower-case spelling\n" % (lowered, dropped, followed))
 
 
 def write_pairs(path, mapping):

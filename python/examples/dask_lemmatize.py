@@ -14,10 +14,12 @@ as `dialog-stem --lang jpj --morphemes --dictionary NAME --format jsonl`
 
 Each task reads its own block of IN (a byte range cut at line ends, by
 dask.bytes.read_bytes), stems it with Stemmer.stem_text and returns one bytes
-object. The client writes those to OUT in input order, holding a few blocks'
-results at a time, never the corpus. With a '*' in OUT (e.g. out/part-*.jsonl)
-the workers write one part file per block instead, numbered in input order
-(zero-padded, so that sorted names concatenate to the whole result).
+object. The blocks start in input order and the client writes each result to
+OUT as its turn comes, then drops it: only blocks finished ahead of the oldest
+running one wait (Dask spills them to disk if memory runs short), never the
+corpus. With a '*' in OUT (e.g. out/part-*.jsonl) the workers write one part
+file per block instead, numbered in input order (zero-padded, so that sorted
+names concatenate to the whole result).
 
 --workers 0 runs the blocks in this process (Dask's synchronous scheduler).
 --workers N starts a local cluster of N single-threaded workers: threads of
@@ -25,6 +27,14 @@ this process (stem_text releases the GIL, and results need no copying between
 processes), or with --processes worker processes that listen on 127.0.0.1
 only. --dashboard ADDRESS (e.g. 127.0.0.1:8787) serves the scheduler's
 dashboard there; without it none is served, on no interface.
+
+Progress: on a terminal (standard output) Dask's own progress bar counts the
+blocks done: dask.diagnostics.ProgressBar for --workers 0, distributed's
+progress bar otherwise. For more, run with --dashboard 127.0.0.1:8787 and open
+http://127.0.0.1:8787/status in a browser (from another machine first
+`ssh -L 8787:127.0.0.1:8787 HOST`): the task stream, each worker's memory and
+the blocks done. With --scheduler it is that scheduler's dashboard (port 8787
+unless `dask scheduler --dashboard-address` said otherwise).
 
 On a cluster of several machines, start `dask scheduler` on one and
 `dask worker tcp://SCHEDULER:8786` on each, with dialog_stemmer and its data
@@ -35,10 +45,11 @@ by this client, or with a '*' by the workers, on a path they all share.
 """
 
 import argparse
-import collections
 import contextlib
+import functools
 import sys
 import threading
+import time
 
 _LOCAL_STEMMERS = {}  # this process's Stemmers when it runs the blocks itself
 
@@ -105,31 +116,69 @@ def write_part(block, settings, path):
     return path
 
 
-def in_order(tasks, submit, window):
-    """The results of `tasks` in order, with at most `window` submitted ahead."""
-    pending = collections.deque(submit(task) for task in tasks[:window])
-    for task in tasks[window:]:
-        yield pending.popleft().result()
-        pending.append(submit(task))
-    while pending:
-        yield pending.popleft().result()
+def append(out, written, data):
+    out.write(data)
+    return written + len(data)
 
 
-def write(output, results):
-    """Writes the stemmed blocks to `output` (or, for part files, waits for
-    them); returns what was done, for the last line on standard error."""
+def compute_here(tasks, out):
+    """Runs the blocks in this process (Dask's synchronous scheduler) as one
+    graph, so that one progress bar covers them: each result is appended to
+    `out` after the one before it, then dropped. Returns the bytes written
+    (part files, `out` None: how many)."""
+    import dask
+
+    if out is None:
+        return len(dask.compute(*tasks, scheduler="synchronous"))
+    written = 0
+    for task in tasks:
+        written = dask.delayed(functools.partial(append, out), pure=False)(written, task)
+    return dask.compute(written, scheduler="synchronous")[0]
+
+
+def compute_on(client, tasks, out, shown):
+    """Submits every block, one graph each so that the scheduler starts them in
+    input order, and writes each result to `out` as its turn comes (part
+    files, `out` None: waits for them). Returns as compute_here does."""
+    from distributed import progress
+
+    futures = [client.compute(task) for task in tasks]
+    bar = None
+    if shown:
+        # distributed's bar blocks until every block is done, so it runs beside
+        # the writing. It follows a small task after each block, kept to the
+        # end: a block's own result is released once written, maybe before
+        # the bar has looked, and a bar whose keys are gone would wait forever.
+        marks = [client.submit(len, future) for future in futures]
+        bar = threading.Thread(target=progress, args=(marks,), daemon=True)
+        bar.start()
+    written = 0
+    for future in futures:
+        result = future.result()
+        future.release()
+        if out is not None:
+            written += out.write(result)
+    if bar:
+        bar.join()
+        # distributed 2022.12 logs a traceback when the cluster closes within
+        # one update (100 ms) of the bar's end.
+        time.sleep(0.2)
+    return written if out is not None else len(futures)
+
+
+def write(output, produce):
+    """Writes `output` with produce(out), or for part files produce(None);
+    returns what was done, for the last line on standard error."""
     import fsspec
 
     if "*" in output:
-        return f"{sum(1 for _ in results)} part files written as {output}"
+        return f"{produce(None)} part files written as {output}"
     fs, path = fsspec.core.url_to_fs(output)
     # Written under another name first: a failed run leaves no OUT behind.
-    partial, size = path + ".partial", 0
+    partial = path + ".partial"
     try:
         with fs.open(partial, "wb") as out:
-            for result in results:
-                out.write(result)
-                size += len(result)
+            size = produce(out)
     except BaseException:
         fs.rm(partial)
         raise
@@ -159,8 +208,13 @@ def main(argv):
     else:
         tasks = [dask.delayed(stem_block)(b, args.settings) for b in blocks]
 
+    # Dask's progress bars write to standard output, which this program leaves free.
+    shown = sys.stdout.isatty()
     if args.workers == 0 and not args.scheduler:
-        message = write(args.output, (task.compute(scheduler="synchronous") for task in tasks))
+        from dask.diagnostics import ProgressBar
+
+        with ProgressBar() if shown else contextlib.nullcontext():
+            message = write(args.output, functools.partial(compute_here, tasks))
     else:
         from distributed import Client, LocalCluster
 
@@ -175,8 +229,9 @@ def main(argv):
                                    dashboard_address=args.dashboard or "127.0.0.1:0",
                                    scheduler_kwargs={"dashboard": bool(args.dashboard)}, **where)
         with cluster or contextlib.nullcontext(), Client(args.scheduler or cluster) as client:
-            window = 2 * max(1, sum(client.nthreads().values()))
-            message = write(args.output, in_order(tasks, client.compute, window))
+            if cluster and args.dashboard:  # client.dashboard_link names another interface
+                print(f"dask_lemmatize.py: dashboard at http://{args.dashboard}/status", file=sys.stderr)
+            message = write(args.output, lambda out: compute_on(client, tasks, out, shown))
     print(f"dask_lemmatize.py: {message}", file=sys.stderr)
     return 0
 

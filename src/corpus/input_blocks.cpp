@@ -70,6 +70,8 @@ bool InputBlocks::next(std::string& block) {
   }
   if (!tooLong_) pending_.assign(block, start, std::string::npos);
   block.resize(start);
+  bytes_ += start;
+  if (observer_ && start > 0) observer_(bytes_, lines_);
   return start > 0;
 }
 

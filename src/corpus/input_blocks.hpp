@@ -2,7 +2,10 @@
 #define DIALOG_CORPUS_INPUT_BLOCKS_HPP
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace ZQ::Dialog::corpus {
 
@@ -24,6 +27,12 @@ class InputBlocks {
   // std::system_error ("cannot read standard input").
   bool next(std::string& block);
 
+  // After each block next() hands out, calls `observer` with the bytes and
+  // lines handed out so far (e.g. to report progress); replaces any before.
+  void observe(std::function<void(std::uint64_t bytes, std::uint64_t lines)> observer) {
+    observer_ = std::move(observer);
+  }
+
   // The number of the line over the limit that ended the input, else 0.
   std::size_t tooLong() const { return tooLong_; }
 
@@ -37,6 +46,8 @@ class InputBlocks {
   std::size_t maxLineBytes_;
   std::string pending_;      // read after the last line end handed out
   std::size_t lines_ = 0;    // lines handed out
+  std::uint64_t bytes_ = 0;  // bytes handed out
+  std::function<void(std::uint64_t, std::uint64_t)> observer_;
   std::size_t tooLong_ = 0;  // see tooLong()
   bool end_ = false;
 };

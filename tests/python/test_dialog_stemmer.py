@@ -1,10 +1,12 @@
 """The Python module against the C++ library (through dialog-stem), on a lemma
 file of the test's own. Run by CTest with PYTHONPATH at the built module."""
 
+import contextlib
 import copy
 import logging
 import os
 import pickle
+import pty
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
@@ -178,9 +180,22 @@ def test_dask_example_equals_the_tool(tmp_path, request, workers, options):
         request.getfixturevalue("dictionaries")
     corpus = b"".join(b"%d dogs don't went\n" % i for i in range(3000)) + RAW + JA_RAW  # blocks of 8 KiB
     (tmp_path / "in.txt").write_bytes(corpus)
-    subprocess.run([sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB", *options,
-                    str(tmp_path / "in.txt"), str(tmp_path / "out.jsonl")], check=True)
-    assert (tmp_path / "out.jsonl").read_bytes() == tool(*options, "--format", "jsonl", text=corpus)
+    command = [sys.executable, EXAMPLE, "--workers", str(workers), "--blocksize", "8KiB", *options,
+               str(tmp_path / "in.txt"), str(tmp_path / "out.jsonl")]
+    expected = tool(*options, "--format", "jsonl", text=corpus)
+    assert subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout == b""
+    assert (tmp_path / "out.jsonl").read_bytes() == expected
+    # On a terminal, Dask's own progress bar; the output stays the same.
+    far, near = pty.openpty()
+    example = subprocess.Popen(command, stdout=near)
+    os.close(near)
+    shown = b""
+    with contextlib.suppress(OSError):  # EIO once the example has ended
+        while chunk := os.read(far, 4096):
+            shown += chunk
+    os.close(far)
+    assert example.wait() == 0 and b"100% Completed" in shown, shown
+    assert (tmp_path / "out.jsonl").read_bytes() == expected
 
 
 @pytest.mark.parametrize("options, status", [

@@ -69,6 +69,12 @@ ParseResult parseOptions(const QStringList& arguments) {
       QStringLiteral("check"),
       QStringLiteral("Print where the language's data is looked for and found, and how many "
                      "pairs its lemma file holds; exit 1 when it is missing."));
+  const QCommandLineOption progressOption(
+      QStringLiteral("progress"),
+      QStringLiteral("Show on standard error how much of standard input is read: bytes, lines, "
+                     "MB/s, and for a file the percentage and time left; on a terminal one "
+                     "line rewritten at most 4 times a second, else a line at most every 10 "
+                     "seconds; then a summary line. Output and exit status do not change."));
   const QCommandLineOption morphemesOption(
       QStringLiteral("morphemes"),
       QStringLiteral("With --lang jpj: one element per morpheme, its base form (the surface "
@@ -79,7 +85,7 @@ ParseResult parseOptions(const QStringList& arguments) {
                      "data data/NAME/ (see --check --lang jpj)."),
       QStringLiteral("name"), QStringLiteral("ipadic"));
   parser.addOptions({langOption, wordsOption, formatOption, jobsOption, checkOption, streamOption,
-                     morphemesOption, dictionaryOption});
+                     progressOption, morphemesOption, dictionaryOption});
   parser.addPositionalArgument(QStringLiteral("SENTENCE"),
                                QStringLiteral("Sentences (or words) to stem."),
                                QStringLiteral("[SENTENCE...]"));
@@ -113,6 +119,7 @@ ParseResult parseOptions(const QStringList& arguments) {
                           .arg(parser.value(jobsOption)));
   options.jobs = jobs != 0 ? jobs : std::max(1u, std::thread::hardware_concurrency());
   options.check = parser.isSet(checkOption);
+  options.progress = parser.isSet(progressOption);
   options.morphemes = parser.isSet(morphemesOption);
   options.dictionary = parser.value(dictionaryOption).toStdString();
   if (options.morphemes && options.language != "jpj")
@@ -126,10 +133,12 @@ ParseResult parseOptions(const QStringList& arguments) {
                           .arg(parser.value(dictionaryOption)));
   if (options.check &&
       (parser.isSet(wordsOption) || parser.isSet(formatOption) || parser.isSet(jobsOption) ||
-       options.morphemes || !parser.positionalArguments().isEmpty()))
+       options.progress || options.morphemes || !parser.positionalArguments().isEmpty()))
     return usageError(QStringLiteral("--check takes no other option but --lang"));
   for (const QString& input : parser.positionalArguments())
     options.inputs.push_back(input.toStdString());
+  if (options.progress && !options.inputs.empty())
+    return usageError(QStringLiteral("--progress reports on standard input: no SENTENCE with it"));
 
   if (parser.isSet(streamOption)) {
     options.streamAlgorithm = parser.value(streamOption).toStdString();
@@ -137,7 +146,7 @@ ParseResult parseOptions(const QStringList& arguments) {
       return usageError(QStringLiteral("--stream needs an algorithm"));
     if (parser.isSet(langOption) || options.words || !options.inputs.empty() ||
         parser.isSet(formatOption) || parser.isSet(jobsOption) || options.check ||
-        options.morphemes)
+        options.progress || options.morphemes)
       return usageError(
           QStringLiteral("--stream reads standard input only and takes no other option"));
   }

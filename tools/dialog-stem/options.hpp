@@ -19,6 +19,7 @@ struct Options {
   Format format = Format::Lines;
   unsigned jobs = 1;  // threads sharing the stemmer; at least 1
   bool check = false;
+  bool progress = false;              // report reading standard input on standard error
   bool morphemes = false;             // --morphemes: Japanese base forms per morpheme
   std::string dictionary = "ipadic";  // its MeCab dictionary, data "data/<name>/"
   std::string streamAlgorithm;        // non-empty: --stream mode

@@ -20,6 +20,7 @@
 #include "corpus/input_blocks.hpp"
 #include "corpus/line_stemmer.hpp"
 #include "corpus/morphemes.hpp"
+#include "progress.hpp"
 
 namespace ZQ::Dialog::tool {
 
@@ -267,8 +268,14 @@ namespace {
 
 // Stems standard input with `jobs` threads; returns the exit status.
 template <typename Work>
-int stemInput(Work& work, unsigned jobs) {
+int stemInput(Work& work, const Options& options, unsigned jobs) {
   InputBlocks input(STDIN_FILENO, kMaxLineBytes);
+  // Counted where blocks are read, whichever thread or stemmer takes them.
+  std::optional<ZQ::Dialog::tool::Progress> progress;
+  if (options.progress) {
+    ZQ::Dialog::tool::Progress& shown = progress.emplace(STDIN_FILENO);
+    input.observe([&shown](std::uint64_t bytes, std::uint64_t lines) { shown.read(bytes, lines); });
+  }
   try {
     if (jobs <= 1) {
       stemSerially(work, input);
@@ -277,9 +284,11 @@ int stemInput(Work& work, unsigned jobs) {
       parallel.run(input);
     }
   } catch (const std::system_error& error) {
+    if (progress) progress->finish();  // the summary, then the error
     std::fprintf(stderr, "dialog-stem: %s\n", error.what());
     return 1;
   }
+  if (progress) progress->finish();
   return input.tooLong() ? lineTooLong(input.tooLong()) : 0;
 }
 
@@ -296,13 +305,13 @@ int runStemming(ZQ::Dialog::Stemmer& stemmer, const Options& options) {
   // The library's Japanese tagger serves one caller at a time.
   const unsigned jobs = options.language == "jpj" ? 1 : options.jobs;
   LineWork work(stemmer, options, jobs > 1);
-  return flushedStatus(options.inputs.empty() ? stemInput(work, jobs)
+  return flushedStatus(options.inputs.empty() ? stemInput(work, options, jobs)
                                               : stemArguments(work, options));
 }
 
 int runMorphemes(std::shared_ptr<const MorphemeDictionary> dictionary, const Options& options) {
   MorphemeWork work(std::move(dictionary), options);
-  return flushedStatus(options.inputs.empty() ? stemInput(work, options.jobs)
+  return flushedStatus(options.inputs.empty() ? stemInput(work, options, options.jobs)
                                               : stemArguments(work, options));
 }
 
