@@ -39,7 +39,10 @@ std::size_t countFields(std::string_view feature) {
   for (std::size_t i = 0; i < feature.size(); ++i) {
     const char c = feature[i];
     if (quoted) {
-      quoted = c != '"';
+      if (c == '"' && i + 1 < feature.size() && feature[i + 1] == '"')
+        ++i;
+      else
+        quoted = c != '"';
     } else if (c == '"' && (i == 0 || feature[i - 1] == ',')) {
       quoted = true;
     } else if (c == ',') {
@@ -93,8 +96,6 @@ std::string recogniseLayout(MeCab::Model& model, DictionaryLayout& layout) {
 
 }  // namespace
 
-const char* const MorphemeDictionary::kDefaultName = "ipadic";
-
 bool MorphemeDictionary::knownName(std::string_view name) {
   return name == "ipadic" || name == "unidic";
 }
@@ -124,7 +125,9 @@ std::shared_ptr<const MorphemeDictionary> MorphemeDictionary::open(const std::st
   char* argv[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
   MeCab::Model* model = MeCab::createModel(3, argv);
   if (!model) {
-    error = "dictionary " + name + " at " + dir + " does not open: " + MeCab::getLastError();
+    std::string why = MeCab::getLastError();
+    std::replace(why.begin(), why.end(), '\n', ' ');  // one line, whatever MeCab says
+    error = "dictionary " + name + " at " + dir + " does not open: " + why;
     return nullptr;
   }
   DictionaryLayout layout = DictionaryLayout::kIpadic;

@@ -36,7 +36,6 @@ class MorphemeDictionary {
  public:
   // The names that --dictionary accepts: "ipadic" (the default) and "unidic".
   static bool knownName(std::string_view name);
-  static const char* const kDefaultName;
 
   // Finds data "data/<name>/", opens it with MeCab and recognises its layout
   // from the feature fields of its system dictionary's entries (9: ipadic, 29:
@@ -96,6 +95,8 @@ class MorphemeStemmer {
   // the caches takes twice the time (64 KiB pieces: 1.8 times 16 KiB ones).
   static constexpr std::size_t kMaxPieceBytes = std::size_t{1} << 14;
 
+  // A tagger and a lattice of its own on `dictionary` (not null). Throws
+  // std::bad_alloc when MeCab cannot make them.
   explicit MorphemeStemmer(std::shared_ptr<const MorphemeDictionary> dictionary);
   ~MorphemeStemmer();
   MorphemeStemmer(const MorphemeStemmer&) = delete;
