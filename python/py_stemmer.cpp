@@ -208,7 +208,8 @@ PyStemmer::PyStemmer(const py::str& code, bool morphemes, const py::object& dict
   }
   if (language_ != "jpj")
     throw py::value_error("morphemes=True needs the code 'jpj', got '" + language_ + "'");
-  dictionaryName_ = dictionary.is_none() ? MorphemeDictionary::kDefaultName : utf8(dictionary);
+  // The tool's default dictionary.
+  dictionaryName_ = dictionary.is_none() ? "ipadic" : utf8(dictionary);
   dictionary_ = openDictionary(dictionaryName_);
 }
 
