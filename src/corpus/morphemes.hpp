@@ -81,9 +81,10 @@ std::string_view morphemeElement(DictionaryLayout layout, std::string_view surfa
 
 // Writes the elements of sentences and corpus lines: one per morpheme of
 // MeCab's best path, in order (morphemeElement), but that blanks (space, tab,
-// CR, vertical tab, form feed, U+3000) make no element, so an empty or blank line gives an empty
-// record, and that in the UniDic layout adjacent numerals written in digits (UniDic cuts "50" into
-// 5 and 0) make one element, their surfaces joined.
+// CR, vertical tab, form feed, U+3000) make no element, so an empty or blank
+// line gives an empty record, and that in the UniDic layout adjacent numerals
+// written in digits (UniDic cuts "50" into 5 and 0) make one element, their
+// surfaces joined.
 //
 // Not thread-safe: one MorphemeStemmer per thread, each with its own tagger and
 // lattice; any number share one MorphemeDictionary, which must outlive them.
