@@ -2,6 +2,8 @@
 // the UniDic conventions, the layout check, long lines and shared use.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
