@@ -83,7 +83,7 @@ INFLECTED_TAGS = {
 # apostrophes, so "don't" arrives as "don" + "t", "I'm" as "I" + "m".
 FUNCTION_WORDS = {
     "am": "be", "are": "be", "is": "be", "was": "be", "were": "be",
-    "been": "be", "being": "be", "s": "'s", "m": "be", "re": "be",
+    "been": "be", "being": "be", "s": "be", "m": "be", "re": "be",
     "isn": "be", "aren": "be", "wasn": "be", "weren": "be", "ain": "be",
     "ai": "be",
     "has": "have", "had": "have", "having": "have", "ve": "have",
@@ -100,8 +100,7 @@ FUNCTION_WORDS = {
 
 # The pieces above that only a cut at apostrophes produces: the evidence
 # (whole tokens) never sees them as such ("m" there is "million"), so the
-# table keeps the last word on them. "s" keeps the token "'s"'s lemma: the
-# evidence has 549 possessives to 355 "is", "has" and "let's".
+# table keeps the last word on them.
 CONTRACTION_PIECES = {
     "s", "m", "re", "ve", "ll", "d", "t", "ca", "wo", "ai", "ain", "don",
     "doesn", "didn", "isn", "aren", "wasn", "weren", "hasn", "haven", "hadn",
