@@ -37,7 +37,7 @@ all-capitals variant ("THE", "FREE", "ORDERS"), nouns only from three
 letters on (shorter capitals are mostly acronyms: "AD"), and so do names of
 the word list ("LOPEZ" -> "Lopez"). Plurals of capitalised nouns take their
 singular ("Christians"), short month and weekday names their full name,
-round thousands their digits ("12,000" -> "12000"). The evidence rules of
+round hundreds their digits ("1,200" -> "1200"). The evidence rules of
 evidence.py then settle what the lexicons leave open, and all-capitals
 forms the evidence never shows follow their other spellings' evidence; the
 contraction pieces and the contraction tokens ("n't", "'ll") keep the
@@ -360,9 +360,9 @@ def build(wn_dir, words_path, wink_dir, treebanks):
             mapping[name] = single
     for short, name in sorted(SHORT_NAMES.items()):
         mapping[short] = mapping[short + "."] = name
-    # Round thousands written with a group separator ("12,000" -> "12000").
-    for n in range(1, 1000):
-        mapping["%d,000" % n] = "%d000" % n
+    # Round hundreds with a group separator, as the evidence writes them.
+    for n in range(10, 10000):
+        mapping["%d,%d00" % divmod(n, 10)] = "%d00" % n
     # Sentence-initial variants: only for words wink-lexicon knows (but base
     # nouns and adjectives WordNet never tags) and inflected forms of the
     # word list. Capitalised, rarer words are mostly names ("Mariner").
