@@ -1,69 +1,19 @@
 // Runs the dialog-stem program as a process and checks its output and status.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
+
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <regex>
-#include <sstream>
 #include <string>
+
 #include "testing/files.hpp"
 #include "testing/mecab.hpp"
+#include "tool_runner.hpp"
 
 namespace {
 
-using Args = std::vector<std::string>;
-
-struct Outcome {
-  int status;
-  std::string out, err;
-};
-
-std::string quote(const std::string& argument) {
-  std::string quoted = "'";
-  for (char c : argument) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-// The words of `words`.
-Args split(const std::string& words) {
-  Args args;
-  std::istringstream in(words);
-  for (std::string word; in >> word;) args.push_back(word);
-  return args;
-}
-
-const char kWriteError[] = "dialog-stem: cannot write standard output: No space left on device\n";
-
-class DialogStem : public testing::Test {
- protected:
-  DialogStem() {
-    data_.write("lemmatizer/enu/lemma", "went\ngo\nchildren\nchild\ndon\ndo\nt\nnot\n");
-    data_.write("lemmatizer/frf/lemma", "l\nle\nchevaux\ncheval\n");
-    mkfifo((scratch_.path() + "/fifo").c_str(), 0600);
-  }
-  // Runs the tool on `input`; `redirect` may then change its standard streams
-  // ("<fifo" is an input held open that never ends) and `source` feed it
-  // instead. The timeout only ends a run that would hang.
-  Outcome run(const Args& args, const std::string& input = "", const std::string& redirect = "",
-              const std::string& source = "") {
-    const std::string& dir = scratch_.path();
-    scratch_.write("in", input);
-    std::string command =
-        "cd " + dir + " && exec 3<>fifo && " + source + " timeout 60 " + quote(DIALOG_STEM_PATH);
-    for (const std::string& arg : args) command += " " + quote(arg);
-    command += (source.empty() ? " <in" : "") + std::string(" >out 2>err ") + redirect;
-    const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ZQ::Dialog::testing::readFile(dir + "/out"),
-            ZQ::Dialog::testing::readFile(dir + "/err")};
-  }
-  ZQ::Dialog::testing::DataRoot data_;
-  ZQ::Dialog::testing::TempDir scratch_;
-};
+using namespace ZQ::Dialog::testing;
 
 TEST_F(DialogStem, Outputs) {
   struct Case {
@@ -228,122 +178,6 @@ TEST_F(DialogStem, JobsGiveTheSameBytes) {
   EXPECT_EQ(run({"--words", "--jobs", "2"}, input).out, run({"--words"}, input).out);
 }
 
-// A pseudo-terminal whose far end the test reads; its output is passed raw.
-class Terminal {
- public:
-  Terminal() {
-    if (openpty(&far_, &near_, name_, nullptr, nullptr) != 0) return;
-    termios raw;
-    tcgetattr(near_, &raw);
-    cfmakeraw(&raw);
-    tcsetattr(near_, TCSANOW, &raw);
-    fcntl(far_, F_SETFL, O_NONBLOCK);
-  }
-  ~Terminal() { close(far_), close(near_); }
-  std::string path() const { return name_; }
-  // What has been written to the terminal so far.
-  std::string written() const {
-    std::string text;
-    char buffer[4096];
-    for (ssize_t n; (n = ::read(far_, buffer, sizeof buffer)) > 0;) text.append(buffer, n);
-    return text;
-  }
-
- private:
-  int far_ = -1, near_ = -1;
-  char name_[64] = "";
-};
-
-// The bytes and lines of `input`, as the summary counts them.
-std::string counts(const std::string& input) {
-  const std::size_t lines =
-      std::count(input.begin(), input.end(), '\n') + (!input.empty() && input.back() != '\n');
-  return std::to_string(input.size()) + " bytes, " + std::to_string(lines) + " lines";
-}
-
-// Each run again with --progress: the same output and status, and on standard
-// error what came without it plus `reports` reports, the last of them (due
-// when the last line comes) as many lines as the summary, and then a summary
-// of `summary` (empty: the input's counts; "*": any).
-TEST_F(DialogStem, ProgressChangesOnlyStandardError) {
-  struct Row {
-    const char* args;
-    std::string input, redirect, source;
-    int reports;
-    std::string summary;
-    bool terminal;
-  };
-  std::string big;  // 1.2 MB: several blocks
-  for (int i = 0; i < 60000; ++i) big += i % 2 ? "children went don't\n" : "l'\xFF\n";
-  // A report 9.5 s after the start would be too early, and none at all too
-  // late; the last wait leaves the tool up to 1.5 s to start, as the 1.5 s on
-  // a terminal leaves it 1.25.
-  const std::string went3 = "(echo went; sleep 9.5; echo went; sleep 2; echo went) |";
-  const Row rows[] = {
-      {"", "children went\r\nl'homme", "", "", 0, "", false},
-      {"--lang frf --format tsv", "l'homme\nchevaux\n\n", "", "", 0, "", false},
-      {"--words --format jsonl", big, "", "", 0, "", false},
-      {"--jobs 2 --format jsonl", big, "", "", 0, "", false},
-      {"--lang jpj", "猫が 走った\n", "", "", 0, "", false},
-      {"", "", "<.", "", 0, "0 bytes, 0 lines", false},  // a read error after the summary
-      {"--jobs 2", "", ">/dev/full", "yes went |", 0, "*", false},
-      // Not a terminal: a plain line at most every 10 s; on one, 4 a second.
-      {"", "", "", went3, 1, "15 bytes, 3 lines", false},
-      {"--jobs 2", "", "", "(echo went; sleep 1.5; echo went) |", 1, "10 bytes, 2 lines", true},
-  };
-  const std::regex report(
-      R"(dialog-stem: \d+\.\d MB, (\d+) lines, \d+\.\d MB/s(, \d+%, \d+:\d\d:\d\d left)?)");
-  const std::regex summary(
-      R"(dialog-stem: done: (\d+ bytes, (\d+) lines), \d+\.\d s, \d+\.\d MB/s)");
-  for (const Row& row : rows) {
-    Args args = split(row.args);
-    // The same input without the waits, which only --progress needs.
-    const std::string source = std::regex_replace(row.source, std::regex("sleep [.0-9]+;"), "");
-    const Outcome plain = run(args, row.input, row.redirect, source);
-    args.push_back("--progress");
-    const Terminal terminal;
-    Outcome shown = run(args, row.input,
-                        row.redirect + (row.terminal ? " 2>" + terminal.path() : ""), row.source);
-    const std::string name = row.args + std::string(" ") + row.redirect + row.source;
-    EXPECT_EQ(shown.status, plain.status) << name;
-    EXPECT_TRUE(shown.out == plain.out) << name;
-    if (row.terminal) {
-      // Each report overwrites the one before; only the summary ends a line.
-      shown.err = terminal.written();
-      EXPECT_EQ(std::count(shown.err.begin(), shown.err.end(), '\r'), row.reports + 1) << name;
-      EXPECT_EQ(shown.err.find('\n'), shown.err.size() - 1) << shown.err;
-      std::replace(shown.err.begin(), shown.err.end(), '\r', '\n');
-      shown.err = std::regex_replace(shown.err, std::regex(" *\n+"), "\n");
-      shown.err.erase(0, shown.err.find_first_not_of('\n'));
-    }
-    std::string others, last;  // the last report's lines
-    int reports = 0, summaries = 0;
-    std::istringstream lines(shown.err);
-    for (std::string line; std::getline(lines, line);) {
-      std::smatch counted;
-      if (std::regex_match(line, counted, summary)) {
-        ++summaries;
-        EXPECT_TRUE(row.summary == "*" ||
-                    counted[1] == (row.summary.empty() ? counts(row.input) : row.summary))
-            << name << ": " << line;
-        EXPECT_TRUE(last.empty() || counted[2] == last) << name << ": " << shown.err;
-      } else if (std::regex_match(line, counted, report)) {
-        ++reports, last = counted[1];
-        EXPECT_EQ(summaries, 0) << name << ": a report after the summary";
-      } else {
-        others += line + "\n";
-      }
-    }
-    EXPECT_EQ(summaries, 1) << name << ": " << shown.err;
-    EXPECT_EQ(reports, row.reports) << name << ": " << shown.err;
-    EXPECT_EQ(others, plain.err) << name;
-    // A failure's message comes last, on a line of its own.
-    if (plain.status != 0) {
-      EXPECT_EQ(shown.err.substr(shown.err.size() - others.size()), others) << name;
-    }
-  }
-}
-
 TEST_F(DialogStem, AnswersEachLineBeforeMoreInputComes) {
   // A coprocess writes one line and waits for its answer; the read's timeout
   // only ends a tool that would wait for more input.
@@ -354,9 +188,9 @@ TEST_F(DialogStem, AnswersEachLineBeforeMoreInputComes) {
 }
 
 TEST_F(DialogStem, CheckTellsWhereDataIs) {
-  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
+  DIALOG_REQUIRE(Need::kDictionaryIndexer);
   const std::string share = data_.path() + "/share/dialog/";
-  ZQ::Dialog::testing::installDictionary(data_.path() + "/tiny");
+  installDictionary(data_.path() + "/tiny");
   data_.linkDictionary(data_.path() + "/tiny");
   const std::pair<const char*, std::string> rows[] = {
       {"enu", "lemma file " + share + "lemmatizer/enu/lemma: 4 pairs\n"},
@@ -380,7 +214,7 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
               "the enu lemma file " + lemma + " is not a regular file\n")
         << make;
   }
-  const ZQ::Dialog::testing::ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
+  const ScopedEnv empty("KU_PREFIX_PATH", scratch_.path());
   r = run({"went"});  // without data the words come back, with a warning
   EXPECT_EQ(r.out, "went\n\n");
   EXPECT_EQ(r.status, 0);
@@ -394,11 +228,11 @@ TEST_F(DialogStem, CheckTellsWhereDataIs) {
 }
 
 TEST_F(DialogStem, MorphemesAnyInputAnyJobs) {
-  DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
+  DIALOG_REQUIRE(Need::kDictionaryIndexer);
   const std::string& dir = data_.path();
-  for (const auto& [name, layout] : {std::pair{"ipadic", ZQ::Dialog::testing::Layout::kIpadic},
-                                     {"unidic", ZQ::Dialog::testing::Layout::kUnidic}}) {
-    ZQ::Dialog::testing::installDictionary(dir + "/" + name, layout);
+  for (const auto& [name, layout] :
+       {std::pair{"ipadic", Layout::kIpadic}, {"unidic", Layout::kUnidic}}) {
+    installDictionary(dir + "/" + name, layout);
     data_.linkDictionary(dir + "/" + name, false, name);
   }
   EXPECT_EQ(run({"--lang", "jpj", "--morphemes", "猫が走った", "ネコ"}).out,
@@ -439,7 +273,7 @@ TEST_F(DialogStem, MorphemesAnyInputAnyJobs) {
   Outcome r = run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "猫"});
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.err.rfind("dialog-stem: dictionary unidic not found: ", 0), 0u) << r.err;
-  ZQ::Dialog::testing::installDictionary(dir + "/other", ZQ::Dialog::testing::Layout::kOther);
+  installDictionary(dir + "/other", Layout::kOther);
   data_.linkDictionary(dir + "/other", false, "unidic");
   r = run({"--lang", "jpj", "--morphemes", "--dictionary", "unidic", "猫"});
   EXPECT_EQ(r.status, 1);
