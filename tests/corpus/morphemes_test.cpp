@@ -14,21 +14,18 @@
 
 namespace {
 
-using ZQ::Dialog::corpus::DictionaryLayout;
-using ZQ::Dialog::corpus::Format;
-using ZQ::Dialog::corpus::MorphemeDictionary;
-using ZQ::Dialog::corpus::MorphemeStemmer;
+using namespace ZQ::Dialog::corpus;
+using namespace ZQ::Dialog::testing;
 using Elements = std::vector<std::string>;
-using ZQ::Dialog::testing::Layout;
 
 class Morphemes : public testing::Test {
  protected:
   void SetUp() override {
-    DIALOG_REQUIRE(ZQ::Dialog::testing::Need::kDictionaryIndexer);
+    DIALOG_REQUIRE(Need::kDictionaryIndexer);
     for (const auto& [name, layout] : {std::pair{"ipadic", Layout::kIpadic},
                                        {"unidic", Layout::kUnidic},
                                        {"other", Layout::kOther}}) {
-      ZQ::Dialog::testing::installDictionary(data_.path() + "/" + name, layout);
+      installDictionary(data_.path() + "/" + name, layout);
       if (layout != Layout::kOther) data_.linkDictionary(data_.path() + "/" + name, false, name);
     }
   }
@@ -38,7 +35,7 @@ class Morphemes : public testing::Test {
     EXPECT_TRUE(dictionary) << error;
     return dictionary;
   }
-  ZQ::Dialog::testing::DataRoot data_;
+  DataRoot data_;
 };
 
 TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
@@ -74,7 +71,7 @@ TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
     EXPECT_EQ(elements, expectedElements) << row.name;
     for (const Format format : {Format::Lines, Format::Tsv, Format::Jsonl}) {
       std::string expected, record, text;
-      ZQ::Dialog::corpus::formatRecord(format, false, row.elements, expected);
+      formatRecord(format, false, row.elements, expected);
       stemmer.stemRecord(row.sentence, format, record);
       stemmer.stemText(row.sentence + "\r\n" + row.sentence, format, text);
       EXPECT_EQ(record, expected) << row.name;
@@ -89,10 +86,10 @@ TEST_F(Morphemes, ElementsFollowEachLayoutsConvention) {
 TEST_F(Morphemes, LayoutComesFromTheEntriesNeverFromMecabsDefault) {
   // MeCab's own default would be a UniDic-layout dictionary: it never counts.
   const std::string rc = data_.write("mecabrc", "dicdir = " + data_.path() + "/unidic\n");
-  const ZQ::Dialog::testing::ScopedEnv mecabrc("MECABRC", rc);
+  const ScopedEnv mecabrc("MECABRC", rc);
   EXPECT_EQ(open("ipadic")->layout(), DictionaryLayout::kIpadic);
   EXPECT_EQ(open("unidic")->layout(), DictionaryLayout::kUnidic);
-  ZQ::Dialog::testing::DataRoot swapped;  // names say nothing
+  DataRoot swapped;  // names say nothing
   swapped.linkDictionary(data_.path() + "/unidic", false, "ipadic");
   swapped.linkDictionary(data_.path() + "/other", false, "unidic");
   EXPECT_EQ(open("ipadic")->layout(), DictionaryLayout::kUnidic);
@@ -112,7 +109,7 @@ TEST_F(Morphemes, LayoutComesFromTheEntriesNeverFromMecabsDefault) {
   std::string error;
   EXPECT_EQ(MorphemeDictionary::open("unidic", error), nullptr);
   EXPECT_EQ(error.rfind("dictionary unidic at " + dir + " does not open: ", 0), 0u) << error;
-  const ZQ::Dialog::testing::DataRoot empty;
+  const DataRoot empty;
   EXPECT_EQ(MorphemeDictionary::open("unidic", error), nullptr);
   EXPECT_EQ(error.rfind("dictionary unidic not found: ", 0), 0u) << error;
 }

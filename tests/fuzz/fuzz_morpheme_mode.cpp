@@ -17,7 +17,8 @@
 
 namespace {
 
-using ZQ::Dialog::corpus::DictionaryLayout;
+using namespace ZQ::Dialog::corpus;
+using namespace ZQ::Dialog::testing;
 
 // Fields as MeCab's CSV reader gives them: quotes around a field removed.
 std::vector<std::string> split(const std::string& feature) {
@@ -84,22 +85,20 @@ bool blank(std::string_view text) {
 }
 
 struct Side {
-  ZQ::Dialog::corpus::MorphemeStemmer* mode;
+  MorphemeStemmer* mode;
   MeCab::Tagger* tagger;
 };
 
 // Never destroyed, so that the leak check finds them reachable.
 Side* setUp() {
-  static const ZQ::Dialog::testing::DataRoot data;
-  static const ZQ::Dialog::testing::TempDir dictionaries;
-  ZQ::Dialog::testing::check(
-      ZQ::Dialog::testing::missing(ZQ::Dialog::testing::Need::kIpaDictionary).empty(),
-      "no IPA dictionary (mecab-ipadic-utf8)");
+  static const DataRoot data;
+  static const TempDir dictionaries;
+  check(missing(Need::kIpaDictionary).empty(), "no IPA dictionary (mecab-ipadic-utf8)");
   const std::string unidic = dictionaries.path() + "/unidic";
-  ZQ::Dialog::testing::installDictionary(unidic, ZQ::Dialog::testing::Layout::kUnidic);
-  data.linkDictionary(ZQ::Dialog::testing::ipadicDir());
+  installDictionary(unidic, Layout::kUnidic);
+  data.linkDictionary(ipadicDir());
   data.linkDictionary(unidic, false, "unidic");
-  static const ZQ::Dialog::testing::DataRoot debian;  // unidic-mecab, else the tiny one again
+  static const DataRoot debian;  // unidic-mecab, else the tiny one again
   const std::string installed = "/var/lib/mecab/dic/unidic";
   debian.linkDictionary(std::filesystem::exists(installed + "/sys.dic") ? installed : unidic, false,
                         "unidic");
@@ -107,13 +106,13 @@ Side* setUp() {
   const char* names[] = {"ipadic", "unidic", "unidic"};
   for (int i = 0; i < 3; ++i) {
     // The last prefix serves the last side; the first two are found before it.
-    const ZQ::Dialog::testing::ScopedEnv prefix("KU_PREFIX_PATH", (i < 2 ? data : debian).path());
+    const ScopedEnv prefix("KU_PREFIX_PATH", (i < 2 ? data : debian).path());
     std::string error;
-    const auto dictionary = ZQ::Dialog::corpus::MorphemeDictionary::open(names[i], error);
-    ZQ::Dialog::testing::check(dictionary != nullptr, "a dictionary does not open");
-    sides[i].mode = new ZQ::Dialog::corpus::MorphemeStemmer(dictionary);
-    sides[i].tagger = ZQ::Dialog::testing::openMecab(dictionary->directory()).release();
-    ZQ::Dialog::testing::check(sides[i].tagger, "MeCab's own tagger does not open");
+    const auto dictionary = MorphemeDictionary::open(names[i], error);
+    check(dictionary != nullptr, "a dictionary does not open");
+    sides[i].mode = new MorphemeStemmer(dictionary);
+    sides[i].tagger = openMecab(dictionary->directory()).release();
+    check(sides[i].tagger, "MeCab's own tagger does not open");
   }
   return sides;
 }
@@ -140,6 +139,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       plain.push_back(plainElement(layout, *node));
     numberEnd = digits ? node->surface + node->length : nullptr;
   }
-  ZQ::Dialog::testing::check(mode == plain, "the mode differs from the bare walk");
+  check(mode == plain, "the mode differs from the bare walk");
   return 0;
 }

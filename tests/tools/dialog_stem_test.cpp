@@ -14,6 +14,8 @@ namespace {
 
 using namespace ZQ::Dialog::testing;
 
+const char kWriteError[] = "dialog-stem: cannot write standard output: No space left on device\n";
+
 TEST_F(DialogStem, Outputs) {
   struct Case {
     Args args;

@@ -36,9 +36,6 @@ inline Args split(const std::string& words) {
   return args;
 }
 
-inline const char kWriteError[] =
-    "dialog-stem: cannot write standard output: No space left on device\n";
-
 class DialogStem : public ::testing::Test {
  protected:
   DialogStem() {
