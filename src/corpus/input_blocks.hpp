@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace ZQ::Dialog::corpus {
@@ -51,6 +52,20 @@ class InputBlocks {
   std::size_t tooLong_ = 0;  // see tooLong()
   bool end_ = false;
 };
+
+// Calls `use(line)` for every line of `text` as dialog-stem reads its input:
+// a line ends at '\n' or at the end of `text` (empty text: no line), and one
+// '\r' before that end is dropped.
+template <typename Use>
+void forEachLine(std::string_view text, Use&& use) {
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    use(line);
+  }
+}
 
 }  // namespace ZQ::Dialog::corpus
 

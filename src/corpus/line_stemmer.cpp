@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "corpus/input_blocks.hpp"
 #include "stemmer/internals.hpp"
 
 namespace ZQ::Dialog::corpus {
@@ -121,14 +122,10 @@ void LineStemmer::stemRecord(const std::string& line, Format format, bool words,
 
 void LineStemmer::stemText(std::string_view text, Format format, bool words, std::string& out) {
   const bool split = splitsPieces();
-  while (!text.empty()) {
-    const std::size_t end = text.find('\n');
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  forEachLine(text, [&](std::string_view line) {
     stemLine(line, format, words, split, out);
     drainIfFull(out);
-  }
+  });
 }
 
 }  // namespace ZQ::Dialog::corpus

@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "corpus/input_blocks.hpp"
+
 namespace ZQ::Dialog::corpus {
 
 namespace {
@@ -211,13 +213,7 @@ void MorphemeStemmer::stemRecord(std::string_view line, Format format, std::stri
 }
 
 void MorphemeStemmer::stemText(std::string_view text, Format format, std::string& out) {
-  while (!text.empty()) {
-    const std::size_t end = text.find('\n');
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    stemRecord(line, format, out);
-  }
+  forEachLine(text, [&](std::string_view line) { stemRecord(line, format, out); });
 }
 
 }  // namespace ZQ::Dialog::corpus
