@@ -4,7 +4,8 @@ A question typed to a dialog engine puts the subject clitic after its verb,
 joined with a hyphen: "Voulez-vous", "Peut-on", "a-t-il", "Est-ce". A cut
 at spaces and apostrophes keeps such a piece whole, so the file lists it.
 The clitic is dropped: the piece's lemma is its verb's lemma ("Voulez-vous"
--> "vouloir", "a-t-il" -> "avoir"), the same with or without a capital.
+-> "vouloir", "a-t-il" -> "avoir"), the same with or without a capital;
+the frequent verbs' pieces are also listed in capitals ("VOULEZ-VOUS").
 
 Covered: the verbs that the evidence treebanks use as verbs or auxiliaries,
 in every person of the present and conditional, and the most frequent
@@ -105,7 +106,8 @@ def joined(form, slot, clitic, imperative):
 def inverted_questions(readings, verbs, chosen, frequent):
     """{piece: verb lemma} for the verbs in `verbs`: inverted questions and
     imperatives with their object, lower-case pieces and their capitalised
-    spellings. A form several verbs share ("suis": "être", "suivre") takes
+    spellings, and for the frequent verbs their spellings in capitals. A
+    form several verbs share ("suis": "être", "suivre") takes
     the lemma its bare form has in `chosen`, else a frequent verb's, else
     the first in UTF-16 order."""
     out = {}
@@ -115,6 +117,11 @@ def inverted_questions(readings, verbs, chosen, frequent):
                          frequent)
     for piece in sorted(out, key=lemmacommon.utf16_key):
         out[lemmacommon.upper_first(piece)] = out[piece]
+        # A question typed in capitals mostly asks a frequent verb
+        # ("VOULEZ-VOUS", "Y A-T-IL"); the other verbs' would add 30k pairs.
+        upper = piece.upper()
+        if out[piece] in frequent and len(upper) == len(piece):
+            out[upper] = out[piece]
     return out
 
 

@@ -82,7 +82,7 @@ const char* const kDialogRows[][3] = {
     {"frf", "Allons au cinéma", "aller au cinéma"},
     {"frf", "Voulez-vous réserver", "vouloir réserver"},
     {"frf", "voulez-vous Pouvez-vous Avez-vous", "vouloir pouvoir avoir"},
-    {"frf", "Peut-on Est-ce", "pouvoir être"},
+    {"frf", "Peut-on Est-ce VOULEZ-VOUS A-T-IL", "pouvoir être vouloir avoir"},
     {"frf", "Y a-t-il A-t-il va-t-on", "y avoir avoir aller"},
     {"frf", "Suis-je Pourriez-vous habitez-vous", "être pouvoir habiter"},
     {"frf", "Donnez-moi Allons-y vas-y", "donner aller aller"},
