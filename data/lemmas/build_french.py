@@ -356,6 +356,7 @@ def build(lefff_path, treebanks):
     for piece in sorted(ELIDED):
         for token in (piece, lemmacommon.upper_first(piece), piece.upper()):
             mapping[token + "'"] = FUNCTION_WORDS[piece]
+        mapping.setdefault(piece.upper(), FUNCTION_WORDS[piece])
     for form in sorted(CAPITAL_WORDS):
         mapping[form] = CAPITAL_WORDS[form]
     for form in sorted(HYPHEN_CLITICS):
@@ -372,6 +373,7 @@ def build(lefff_path, treebanks):
     wanted = {f: l for f, l in lower.items() if f in seen or f in opening}
     lemmacommon.add_capitalised(mapping, wanted, attested)
     french_questions.add_plain_capitals(mapping, attested, opening)
+    french_questions.add_apostrophe_openings(mapping, lefff_path, attested)
     evidence.add_typographic_apostrophes(mapping)
     letters = {w for w in FUNCTION_WORDS if len(w) == 1}
     lemmacommon.apply_final_rules(mapping, letters | {

@@ -175,3 +175,22 @@ def add_plain_capitals(mapping, names, opening):
         if (form[:1] in "ÉÈÊ" and plain not in mapping and plain not in names
                 and ("-" in form or form.lower() in opening)):
             mapping[plain] = mapping[form]
+
+
+def add_apostrophe_openings(mapping, lefff_path, names):
+    """A word written with an inner apostrophe ("aujourd'hui", "prud'homme")
+    is cut there into pieces; the first piece, capitalised where it opens a
+    sentence ("Aujourd"), is listed with its lower-case spelling, which
+    keeps itself. Pieces of three letters or fewer ("ch'ti") and pieces that
+    are words of their own ("parc") are left alone."""
+    with open(lefff_path, "r", encoding="utf-8") as f:
+        for line in f:
+            form = line.split("\t", 1)[0]
+            piece, apostrophe, rest = form.partition("'")
+            cap = lemmacommon.upper_first(piece)
+            if (apostrophe and rest[:1].isalpha() and len(piece) > 3
+                    and piece.isalpha() and piece.islower()
+                    and piece not in mapping and cap not in mapping
+                    and cap not in names):
+                mapping[cap] = piece
+

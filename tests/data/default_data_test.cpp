@@ -87,6 +87,7 @@ const char* const kDialogRows[][3] = {
     {"frf", "Suis-je Pourriez-vous habitez-vous", "être pouvoir habiter"},
     {"frf", "Donnez-moi Allons-y vas-y", "donner aller aller"},
     {"frf", "Etes-vous Ecoutez", "être écouter"},
+    {"frf", "Aujourd'hui aujourd'hui QU'on", "aujourd hui aujourd hui que on"},
     {"frf", "Rendez-vous Pierre", "rendez-vous Pierre"},
 };
 
