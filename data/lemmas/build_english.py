@@ -376,6 +376,11 @@ def build(wn_dir, words_path, wink_dir, treebanks):
     evidence.add_capitals(mapping, readings)
     for piece in sorted(CONTRACTION_PIECES):
         mapping[piece] = FUNCTION_WORDS[piece]
+        # An utterance that opens with "Didn't" or "Isn't" cuts into "Didn"
+        # and "t"; a piece the evidence shows as a word ("Don") stays one.
+        cap = lemmacommon.upper_first(piece)
+        if len(piece) > 2 and cap not in readings:
+            mapping[cap] = FUNCTION_WORDS[piece]
     for token in sorted(CONTRACTIONS):
         mapping[token] = mapping[token.upper()] = CONTRACTIONS[token]
     evidence.add_typographic_apostrophes(mapping)

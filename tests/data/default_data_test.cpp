@@ -77,6 +77,7 @@ const char* const kDialogRows[][3] = {
     {"enu", "Went home", "go home"},
     {"enu", "i think me", "I think I"},
     {"enu", "Me too", "I too"},
+    {"enu", "Didn't Isn't", "do not be not"},
     {"frf", "Mangez les pommes", "manger le pomme"},
     {"frf", "Nommez un fleuve", "nommer un fleuve"},
     {"frf", "Allons au cinéma", "aller au cinéma"},
