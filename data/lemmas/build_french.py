@@ -365,12 +365,16 @@ def build(lefff_path, treebanks):
                                 FREQUENT_VERBS)
     # Capitalised variants only where they earn their place: closed-class
     # words, adverbs, infinitives and imperatives (a typed request starts
-    # with one: "Mangez", "Nommez"), and words the evidence shows
-    # (sentence-initial and title words are mostly those); the other
-    # capitalised forms are rare enough that they would double the file for
-    # a few hits, and are more often names than sentence-initial words.
+    # with one: "Mangez"), and words the evidence shows; the others would
+    # double the file for a few hits, and are more often names.
     seen = evidence.frequent_forms(readings)
     wanted = {f: l for f, l in lower.items() if f in seen or f in opening}
+    # So are the other forms of the nouns, adjectives and participles it shows
+    # ("Catégories" beside a seen "catégorie"); finite verbs would pass 400k.
+    family = {CATEGORY_RANK[c] for c in ("nc", "adj", "vK")}
+    seen_lemmas = {lower.get(f, f) for f in seen}
+    wanted.update((f, l) for f, l in lower.items() if l in seen_lemmas and any(
+        c[0] in family for c in candidates.get(f, ())))
     lemmacommon.add_capitalised(mapping, wanted, attested)
     french_questions.add_plain_capitals(mapping, attested, opening)
     french_questions.add_apostrophe_openings(mapping, lefff_path, attested)
