@@ -369,8 +369,7 @@ def build(lefff_path, treebanks):
     # double the file for a few hits, and are more often names.
     seen = evidence.frequent_forms(readings)
     wanted = {f: l for f, l in lower.items() if f in seen or f in opening}
-    # So are the other forms of the nouns, adjectives and participles it shows
-    # ("Catégories" beside a seen "catégorie"); finite verbs would pass 400k.
+    # So are the nouns, adjectives and participles of its words' families.
     family = {CATEGORY_RANK[c] for c in ("nc", "adj", "vK")}
     seen_lemmas = {lower.get(f, f) for f in seen}
     wanted.update((f, l) for f, l in lower.items() if l in seen_lemmas and any(
@@ -378,6 +377,7 @@ def build(lefff_path, treebanks):
     lemmacommon.add_capitalised(mapping, wanted, attested)
     french_questions.add_plain_capitals(mapping, attested, opening)
     french_questions.add_apostrophe_openings(mapping, lefff_path, attested)
+    french_questions.add_lower_case_titles(mapping, readings)
     evidence.add_typographic_apostrophes(mapping)
     letters = {w for w in FUNCTION_WORDS if len(w) == 1}
     lemmacommon.apply_final_rules(mapping, letters | {

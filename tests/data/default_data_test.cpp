@@ -89,7 +89,7 @@ const char* const kDialogRows[][3] = {
     {"frf", "Donnez-moi Allons-y vas-y", "donner aller aller"},
     {"frf", "Etes-vous Ecoutez", "être écouter"},
     {"frf", "Aujourd'hui aujourd'hui QU'on", "aujourd hui aujourd hui que on"},
-    {"frf", "Rendez-vous Pierre", "rendez-vous Pierre"},
+    {"frf", "Rendez-vous Pierre Okay Mademoiselle", "rendez-vous Pierre ok mademoiselle"},
 };
 
 TEST(DefaultData, DialogUtterancesGetTheirLowerCaseWordsLemmas) {
