@@ -25,10 +25,10 @@ Elided forms are stored both as tokens with their apostrophe ("l'", "L'",
 "qu'") and as the pieces a sentence cut at apostrophes gives ("l", "qu").
 Multiword entries and abbreviations are left out, and so are the rare verb
 forms of rare_verb_form(). Closed-class words, adverbs, infinitives,
-imperatives and the words the evidence shows get a capitalised variant
-unless the Lefff lists it as a name ("Pierre"); inverted questions and
-imperatives with their object come from french_questions.py. The evidence
-rules of evidence.py then settle what the lexicon leaves open. Last, the rules that nothing overrides
+imperatives, the words the evidence shows and their families' nouns,
+adjectives and participles get a capitalised variant unless the Lefff lists
+it as a name ("Pierre"); french_questions.py adds inverted questions and
+typed openings. The evidence rules then settle the rest. Last, the rules that nothing overrides
 (lemmacommon.apply_final_rules): a lower-case form gets a lower-case lemma
 ("monsieur", not "Monsieur"), a single letter stands for a longer word only
 as an elided piece or the table's "a" -> "avoir", and a capitalised form
@@ -369,7 +369,7 @@ def build(lefff_path, treebanks):
     # double the file for a few hits, and are more often names.
     seen = evidence.frequent_forms(readings)
     wanted = {f: l for f, l in lower.items() if f in seen or f in opening}
-    # So are the nouns, adjectives and participles of its words' families.
+    # Also their families' nouns, adjectives and participles ("Catégories").
     family = {CATEGORY_RANK[c] for c in ("nc", "adj", "vK")}
     seen_lemmas = {lower.get(f, f) for f in seen}
     wanted.update((f, l) for f, l in lower.items() if l in seen_lemmas and any(

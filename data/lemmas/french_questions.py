@@ -23,6 +23,10 @@ the pronouns a request puts there (IMPERATIVE_OBJECTS), and the "s" that a
 2nd person singular in a vowel takes before "en" and "y" ("vas-y").
 These pieces, and the capitalised words that open a request, are also
 listed with the "E" that a typed capital writes for "É" ("Etes-vous").
+
+Two more openings of a typed utterance: the capitalised first piece of a
+word with an inner apostrophe ("Aujourd"), and titles that the Lefff writes
+with a capital lemma ("Mademoiselle"), as their lower-case spellings.
 """
 
 import lemmacommon
