@@ -203,11 +203,13 @@ def add_lower_case_titles(mapping, seen):
     """Titles and interjections that the Lefff writes with a capital lemma
     ("Mademoiselle" -> "Monsieur", "Okay" -> "OK") open an utterance as
     their lower-case spelling does ("mademoiselle", "ok"), where that is a
-    word and the evidence (seen) does not show the capitalised form."""
+    word and the evidence (seen) does not show the capitalised form. Single
+    letters ("M") are initials, not titles."""
     for form in sorted(mapping, key=lemmacommon.utf16_key):
         lemma, lower = mapping[form], form.lower()
-        if (form[1:] == lower[1:] and form != lower and lemma != lemma.lower()
-                and form not in seen and lower in mapping):
+        if (form != lower and form[1:] == lower[1:] and len(form) > 1
+                and lemma != lemma.lower() and form not in seen
+                and lower in mapping):
             # The lower-case form's lemma is lower-cased by the final rules.
             mapping[form] = mapping.get(lower, lower).lower()
 
